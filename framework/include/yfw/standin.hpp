@@ -1,0 +1,136 @@
+// The stand-in framework's own C++ interface: what a host (the ocsysmap tool,
+// the tests, the benchmarks) uses to build trees, run a request and read back
+// what the mapping library left. The library itself sees only the C operations
+// of yfw_map.h.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "yfw_map.h"
+
+namespace yfw {
+
+// ---- Schema registry ------------------------------------------------------
+
+// A YANG module the framework knows: its name and namespace URI.
+struct Module {
+    std::string_view name;
+    std::string_view ns;
+};
+
+// Every module of both models, OpenConfig and native.
+std::span<const Module> modules();
+const Module *module_by_name(std::string_view name);
+const Module *module_by_namespace(std::string_view ns);
+
+// Key leaf names, in key order, of the list at a schema path such as
+// "/banners/banner" or "/system/dns/servers/server" (module prefixes such as
+// "a1:" are ignored). Empty for a path that is not a list.
+std::span<const std::string_view> list_keys(std::string_view schema_path);
+
+// ---- Trees ---------------------------------------------------------------
+
+// Owns node arrays and texts. Every array it hands out can grow, and it knows
+// the parent of every node in its arrays (for operation inheritance).
+class Arena {
+public:
+    Arena();
+    ~Arena();
+    Arena(const Arena &) = delete;
+    Arena &operator=(const Arena &) = delete;
+
+    // A copy of `text`, alive as long as the arena; equal texts may share storage.
+    char *text(std::string_view text);
+    // A single zeroed node, the root of a tree.
+    tidl_yfw_datatree *new_root();
+    // Appends a zeroed child to `parent`, growing its array; raises present_subtrees.
+    // Pointers to earlier children of `parent` are invalid afterwards.
+    tidl_yfw_datatree *append_child(tidl_yfw_datatree *parent);
+
+    struct Impl;
+
+private:
+    std::unique_ptr<Impl> impl_;
+};
+
+// The nearest enclosing node of `node` in arrays that an arena owns, or null.
+const tidl_yfw_datatree *parent_of(const tidl_yfw_datatree *node);
+// The node's operation, else the nearest enclosing node's; -1 when none has one.
+int32_t effective_operation(const tidl_yfw_datatree *node);
+
+// One path segment as the tool and the error path print it: "tag", with
+// "module:" before it when its namespace differs from `parent_ns`, and
+// "[key='value']" predicates when `schema_path` (the node's own path) is a list.
+std::string describe_segment(const tidl_yfw_datatree &node, std::string_view schema_path,
+                             const char *parent_ns);
+
+// ---- A request ------------------------------------------------------------
+
+// One mapping run: the context with its state and request, the output document
+// root, the trace sinks and the framework's bookkeeping. A root walker is
+// called with ctx(), an input root and output().
+class Session {
+public:
+    explicit Session(uint32_t request_kind, bool oper_only = false);
+    ~Session();
+    Session(const Session &) = delete;
+    Session &operator=(const Session &) = delete;
+
+    yfw_map_ctx *ctx();
+    yfw_map_state *state();
+    yfw_request *request();
+    // The output tree: a document root without a tag; module roots are its children.
+    tidl_yfw_datatree *output();
+    // Where inputs of this session should be built.
+    Arena &arena();
+
+    // Records an input root in node_data for print_data (the tool maps several roots).
+    void note_input(tidl_yfw_datatree *root);
+
+    // The two sinks, off by default, each switched on its own.
+    void set_debug_log(bool on);
+    void set_ring_trace(bool on);
+    const std::vector<std::string> &debug_log() const;
+    const std::vector<std::string> &ring_trace() const;
+
+    // The error path recorded by the last yfw_oc_error_path, empty if none.
+    const std::string &error_path() const;
+
+    // Bookkeeping, for tests.
+    std::size_t hierarchy_depth() const;
+    std::size_t itree_depth() const;
+    std::size_t output_lists_open() const;
+
+    struct Impl;
+
+private:
+    std::unique_ptr<Impl> impl_;
+};
+
+// ---- Memory layer ---------------------------------------------------------
+
+// Live allocations of yfw_strdup under `label`.
+std::size_t live_allocations(std::string_view label = YFW_MAP_ALLOC_LABEL);
+
+// ---- Ring trace -----------------------------------------------------------
+
+// Sequence numbers drawn so far by ret_nc_yfw_trace_index_incr.
+uint32_t trace_index_drawn();
+
+// ---- System database ------------------------------------------------------
+
+namespace sysdb {
+// The stand-in database: items under bind points, and whether binding works.
+void set_item(std::string_view key, std::string_view value);
+void erase_item(std::string_view key);
+void clear();
+void set_bind_fails(bool fails);
+} // namespace sysdb
+
+} // namespace yfw
