@@ -1,0 +1,199 @@
+// The mapper forms: one body per form, run with the row of the node.
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+#include "ymap_frame.hpp"
+#include "ymap_xpath.hpp"
+
+namespace ymap {
+
+void assertion_failed(const char *expr, const char *file, int line, const char *fn) {
+    std::fprintf(stderr, "%s:%d: %s: Assertion `%s' failed.\n", file, line, fn, expr);
+    std::abort();
+}
+
+cerrno refuse(yfw_map_ctx *ctx, const char *tag, cerrno status) {
+    yfw_map_state *st = ctx->state;
+    qvos_named_free(st->error_tag);
+    st->error_tag = yfw_strdup(tag, YFW_MAP_ALLOC_LABEL);
+    yfw_oc_error_path(ctx);
+    return status;
+}
+
+cerrno add_three_way(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree,
+                     const char *path, const char *ns, uint32_t list_entry_flag,
+                     uint32_t augment_flag) {
+    if (read_kind(ctx))
+        return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, node->value, nullptr,
+                                                 nullptr, list_entry_flag, augment_flag);
+    if (yfw_map_is_request_delete(node))
+        return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, nullptr, node, nullptr,
+                                                 list_entry_flag, augment_flag);
+    return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, node->value, node, nullptr,
+                                             list_entry_flag, augment_flag);
+}
+
+cerrno add_value(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree, const char *path, const char *ns,
+                 const char *value, uint32_t list_entry_flag, uint32_t augment_flag) {
+    return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, value, nullptr, nullptr,
+                                             list_entry_flag, augment_flag);
+}
+
+namespace {
+
+uint32_t flag(const MapperRow &row, uint16_t bit) { return (row.flags & bit) != 0 ? 1u : 0u; }
+
+// Path pieces go to the framework from the stack, as the framework may keep
+// the array only for the call.
+cerrno add_from_pieces(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                       tidl_yfw_datatree *out_tree) {
+    std::array<const char *, kMaxPieces> pieces{};
+    std::copy_n(row.components, row.component_count, pieces.begin());
+    return yfw_map_add_leaf_from_xpath(ctx, node, out_tree, pieces[0], row.ns, pieces.data(),
+                                       row.component_count);
+}
+
+cerrno stitch(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+              tidl_yfw_datatree *out_tree) {
+    std::array<const char *, kMaxPieces> pieces{};
+    std::copy_n(row.components, row.component_count, pieces.begin());
+    return yfw_map_auto_stitch_list_to_list(ctx, node, out_tree, row.ns, pieces.data(),
+                                            row.component_count);
+}
+
+cerrno container_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                      uint32_t count, tidl_yfw_datatree *out_tree) {
+    switch (row.form) {
+    case Form::StatePickup:
+        // Named without children, the client wants the whole container, and the
+        // other tree has all of it under one path.
+        if (count != 0) {
+            YFW_MAP_TRC(ctx, row.name, "No mapping done for this node");
+            return YFW_SUCCESS;
+        }
+        YFW_MAP_TRC(ctx, row.name, "No subtrees");
+        return add_value(ctx, out_tree, row.path, row.ns, nullptr);
+    case Form::Mapped: {
+        cerrno status = YFW_SUCCESS;
+        if (count != 0) {
+            YFW_MAP_TRC(ctx, row.name, "Mapping done for this node");
+            status = add_value(ctx, out_tree, row.path, row.ns, nullptr);
+        } else {
+            YFW_MAP_TRC(ctx, row.name, "No subtrees");
+            if (read_kind(ctx))
+                return YFW_SUCCESS;
+            if (!yfw_map_is_request_delete(node))
+                return YFW_SUCCESS;
+            status = yfw_map_datatree_add_path_flagged(ctx, out_tree, row.path, row.ns, nullptr,
+                                                       node, nullptr, 0, 0);
+        }
+        // A native list that needs a fixed key gets it in every case that added.
+        if (row.second != nullptr)
+            status = add_value(ctx, out_tree, row.second, row.ns, row.second_value);
+        return status;
+    }
+    case Form::HandCount:
+        return row.hand_count(ctx, node, count, out_tree);
+    case Form::Hand:
+        return row.hand(ctx, node, out_tree);
+    default:
+        return YFW_SUCCESS;
+    }
+}
+
+cerrno list_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                 tidl_yfw_datatree *out_tree) {
+    switch (row.form) {
+    case Form::Entry:
+        return yfw_map_datatree_add_path_flagged(
+            ctx, out_tree, row.path, row.ns, nullptr,
+            yfw_map_is_request_delete(node) ? node : nullptr, nullptr, 1, flag(row, kAugment));
+    case Form::Stitched:
+        return stitch(row, ctx, node, out_tree);
+    case Form::Table:
+        return run_list_table(*row.table, ctx, node, out_tree);
+    case Form::Hand:
+        return row.hand(ctx, node, out_tree);
+    default:
+        return YFW_SUCCESS;
+    }
+}
+
+cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                 tidl_yfw_datatree *out_tree) {
+    const uint32_t list_entry = flag(row, kListEntry);
+    const uint32_t augment = flag(row, kAugment);
+    switch (row.form) {
+    case Form::Automatic: {
+        if (row.family == Family::Oq) { // a write-capable leaf
+            cerrno status = add_three_way(ctx, node, out_tree, row.path, row.ns, list_entry, augment);
+            if ((row.flags & kTwice) != 0)
+                status = add_three_way(ctx, node, out_tree, row.path, row.ns, list_entry, augment);
+            return status;
+        }
+        // Native to OpenConfig: answers carry no operation.
+        cerrno status = YFW_SUCCESS;
+        const int repeats = (row.flags & kTwice) != 0 ? 2 : 1;
+        for (int i = 0; i < repeats; ++i)
+            if ((row.flags & kUnlessOperOnly) == 0 || !oper_only(ctx))
+                status = add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
+        return status;
+    }
+    case Form::ConfigState: {
+        cerrno status = YFW_SUCCESS;
+        if (!oper_only(ctx))
+            status = add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
+        if (request_kind(ctx) == KIND_GET)
+            status = add_value(ctx, out_tree, row.second, row.ns, node->value, list_entry, augment);
+        return status;
+    }
+    case Form::FromXpath:
+        // State lives in a private module that only reads reach.
+        if (!read_kind(ctx))
+            return YFW_SUCCESS;
+        return add_from_pieces(row, ctx, node, out_tree);
+    case Form::Refuse:
+        return refuse(ctx, node->tag, YFW_ERR_UNSUPPORTED_TAG);
+    case Form::Table:
+        return run_leaf_table(*row.table, ctx, node, out_tree);
+    case Form::Hand:
+        return row.hand(ctx, node, out_tree);
+    default:
+        return YFW_SUCCESS;
+    }
+}
+
+} // namespace
+
+cerrno run_container_mapper(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                            uint32_t count, tidl_yfw_datatree *out_tree) {
+    return framed(ctx, row.name, node, out_tree,
+                  [&] { return container_body(row, ctx, node, count, out_tree); });
+}
+
+cerrno run_mapper(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                  tidl_yfw_datatree *out_tree) {
+    return framed(ctx, row.name, node, out_tree, [&] {
+        return row.kind == MapperKind::List ? list_body(row, ctx, node, out_tree)
+                                            : leaf_body(row, ctx, node, out_tree);
+    });
+}
+
+cerrno duck_container(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t,
+                      tidl_yfw_datatree *out_tree) {
+    return framed(ctx, name, node, out_tree, [] { return YFW_SUCCESS; });
+}
+
+cerrno duck_pass(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                 tidl_yfw_datatree *out_tree) {
+    return framed(ctx, name, node, out_tree, [] { return YFW_SUCCESS; });
+}
+
+cerrno duck_refuse(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                   tidl_yfw_datatree *out_tree) {
+    return framed(ctx, name, node, out_tree,
+                  [&] { return refuse(ctx, node->tag, YFW_ERR_UNSUPPORTED_TAG); });
+}
+
+} // namespace ymap

@@ -1,0 +1,254 @@
+// The row language of the module descriptions (`ymap_ocsystem_<module>.def`).
+//
+// A description holds one aligned row per schema node: mapper rows (the form
+// of the node's mapper and its target) and walker rows (a container or list
+// and its children in schema order). The same rows expand three times, chosen
+// by YMAP_PASS before the description is included:
+//   DECLARE  the exported prototypes (the module's header),
+//   AUTO     the mapper rows and their entry points (`_auto.cpp`),
+//   PARSER   the walker rows and their entry points (`_parser.cpp`).
+// Every entry point is a thin exported function that hands its row to the one
+// body of its form, and bears the name that the naming rule gives:
+//   ymap_<dir>_ocsystem_<module>_<kind>_<level>_<path>.
+// A description sets YMAP_DIR (oq or qo), YMAP_MOD (the module word) and
+// YMAP_NS (its own namespace) first and undefines them at its end.
+#pragma once
+
+#include "ymap_frame.hpp"
+#include "ymap_namespaces.hpp"
+
+#define YMAP_PASTE_(a, b) a##b
+#define YMAP_PASTE(a, b) YMAP_PASTE_(a, b)
+#define YMAP_STR_(x) #x
+#define YMAP_STR(x) YMAP_STR_(x)
+#define YMAP_UNPAREN(...) __VA_ARGS__
+
+#define YMAP_FAMILY_oq Oq
+#define YMAP_FAMILY_qo Qo
+#define YMAP_FAMILY YMAP_PASTE(YMAP_FAMILY_, YMAP_DIR)
+
+// ymap_<dir>_ocsystem_<module>_
+#define YMAP_PREFIX YMAP_PASTE(YMAP_PASTE(YMAP_PASTE(ymap_, YMAP_DIR), _ocsystem_), YMAP_MOD)
+// A mapper: <prefix>_<kind>_<level>_<path>
+#define YMAP_MAPPER(kind, level, path) \
+    YMAP_PASTE(YMAP_PREFIX, YMAP_PASTE(YMAP_PASTE(_##kind##_, level), _##path))
+// A walker: <prefix>_<level>_<path>
+#define YMAP_WALKER(level, path) YMAP_PASTE(YMAP_PREFIX, YMAP_PASTE(YMAP_PASTE(_, level), _##path))
+// A walker's augment parser.
+#define YMAP_PARSER(level, path) YMAP_PASTE(YMAP_WALKER(level, path), _parse_augments)
+// An augment walker: <prefix>_augment_<level>_<path>
+#define YMAP_AUGMENT(level, path) YMAP_MAPPER(augment, level, path)
+#define YMAP_DUCK(kind) YMAP_PASTE(YMAP_PREFIX, _duck_map_##kind)
+// The row behind an entry point (file-local).
+#define YMAP_ROW(fn) YMAP_PASTE(row_, fn)
+
+#define YMAP_CONT_SIG (yfw_map_ctx * ctx, tidl_yfw_datatree * node, uint32_t count, tidl_yfw_datatree * out_tree)
+#define YMAP_NODE_SIG (yfw_map_ctx * ctx, tidl_yfw_datatree * node, tidl_yfw_datatree * out_tree)
+
+// Each row macro dispatches on the pass: YMAP_CONT -> YMAP_CONT_AUTO, ...
+#define YMAP_DISPATCH(macro) YMAP_PASTE(macro##_, YMAP_PASS)
+
+// ---- Row macros of the descriptions -----------------------------------------
+
+// Catch-all mappers of a module; the second form refuses leaves.
+#define YMAP_DUCKS() YMAP_DISPATCH(YMAP_DUCKS)(duck_pass)
+#define YMAP_DUCKS_REFUSING_LEAVES() YMAP_DISPATCH(YMAP_DUCKS)(duck_refuse)
+
+// Container mappers.
+#define YMAP_CONT(lv_, node_, form_) \
+    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .form = ::ymap::Form::form_)
+#define YMAP_CONT_TO(lv_, node_, form_, target_, ns_) \
+    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .form = ::ymap::Form::form_, \
+                             .path = target_, .ns = ns_)
+#define YMAP_CONT_TO_KEYED(lv_, node_, target_, ns_, key_path_, key_value_) \
+    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .form = ::ymap::Form::Mapped, \
+                             .path = target_, .ns = ns_, .second = key_path_, .second_value = key_value_)
+#define YMAP_CONT_HAND(lv_, node_, fn_) \
+    YMAP_DISPATCH(YMAP_CMAP_HAND)(YMAP_MAPPER(cont, lv_, node_), fn_)
+
+// List and leaf mappers.
+#define YMAP_LIST(lv_, node_, form_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, .form = ::ymap::Form::form_)
+#define YMAP_LIST_TO(lv_, node_, form_, target_, ns_, fl_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, .form = ::ymap::Form::form_, \
+                             .flags = (fl_), .path = target_, .ns = ns_)
+#define YMAP_LIST_STITCH(lv_, node_, ns_, ...) \
+    YMAP_DISPATCH(YMAP_NMAP_PIECES)(YMAP_MAPPER(list, lv_, node_), List, Stitched, ns_, __VA_ARGS__)
+#define YMAP_LIST_HAND(lv_, node_, fn_) \
+    YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(list, lv_, node_), List, fn_)
+#define YMAP_LIST_TABLE(lv_, node_, table_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, \
+                             .form = ::ymap::Form::Table, .table = &(table_))
+#define YMAP_LEAF(lv_, node_, form_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .form = ::ymap::Form::form_)
+#define YMAP_LEAF_TO(lv_, node_, form_, target_, ns_, fl_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .form = ::ymap::Form::form_, \
+                             .flags = (fl_), .path = target_, .ns = ns_)
+#define YMAP_LEAF_CS(lv_, node_, config_, state_, ns_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
+                             .form = ::ymap::Form::ConfigState, .path = config_, .ns = ns_, \
+                             .second = state_)
+#define YMAP_LEAF_XPATH(lv_, node_, ns_, ...) \
+    YMAP_DISPATCH(YMAP_NMAP_PIECES)(YMAP_MAPPER(leaf, lv_, node_), Leaf, FromXpath, ns_, __VA_ARGS__)
+#define YMAP_LEAF_HAND(lv_, node_, fn_) \
+    YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(leaf, lv_, node_), Leaf, fn_)
+#define YMAP_LEAF_TABLE(lv_, node_, table_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
+                             .form = ::ymap::Form::Table, .table = &(table_))
+
+// Walkers. `aug` is GEN (the generated augment parser) or HAND (one written in
+// the module's `_man` source under the same name).
+#define YMAP_LEAF_WALKER(lv_, node_) \
+    YMAP_DISPATCH(YMAP_LWALK)(YMAP_WALKER(lv_, node_), YMAP_MAPPER(leaf, lv_, node_), Leaf)
+#define YMAP_LEAFLIST_WALKER(lv_, node_) \
+    YMAP_DISPATCH(YMAP_LWALK)(YMAP_WALKER(lv_, node_), YMAP_MAPPER(leaf, lv_, node_), LeafList)
+#define YMAP_CONT_WALKER(lv_, node_, fl_, aug_, ...)                                          \
+    YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), aug_,        \
+                             Container, fl_, &YMAP_MAPPER(cont, lv_, node_), nullptr,         \
+                             nullptr, (), __VA_ARGS__)
+#define YMAP_LIST_WALKER(lv_, node_, fl_, aug_, list_path_, keys_, ...)                         \
+    YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), aug_, List,  \
+                             fl_, nullptr, &YMAP_MAPPER(list, lv_, node_), list_path_, keys_,   \
+                             __VA_ARGS__)
+#define YMAP_AUGMENT_WALKER(lv_, node_, fl_, aug_, ...)                                       \
+    YMAP_DISPATCH(YMAP_WALK)(YMAP_AUGMENT(lv_, node_),                                      \
+                             YMAP_PASTE(YMAP_AUGMENT(lv_, node_), _parse_augments), aug_,    \
+                             Augment, fl_, nullptr, nullptr, nullptr, (), __VA_ARGS__)
+
+// Walkers whose node has no mapper of its own use a catch-all mapper.
+#define YMAP_LEAF_WALKER_WITH(lv_, node_, mapper_fn_) \
+    YMAP_DISPATCH(YMAP_LWALK)(YMAP_WALKER(lv_, node_), mapper_fn_, Leaf)
+#define YMAP_CONT_WALKER_WITH(lv_, node_, fl_, aug_, mapper_fn_, ...)                            \
+    YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), aug_,        \
+                             Container, fl_, &mapper_fn_, nullptr, nullptr, (), __VA_ARGS__)
+#define YMAP_LIST_WALKER_WITH(lv_, node_, fl_, aug_, mapper_fn_, list_path_, keys_, ...)           \
+    YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), aug_, List,  \
+                             fl_, nullptr, &mapper_fn_, list_path_, keys_, __VA_ARGS__)
+
+// Children of a walker row, in schema order, one after the other with no
+// separator (each expands with its own comma).
+#define YMAP_CHILD(tag_, lv_, node_) ::ymap::Child{tag_, &YMAP_WALKER(lv_, node_)},
+#define YMAP_STATE_CHILD(tag_, lv_, node_) \
+    ::ymap::Child{tag_, &YMAP_WALKER(lv_, node_), nullptr, nullptr, ::ymap::kStateOnly},
+#define YMAP_CHILD_FN(tag_, fn_) ::ymap::Child{tag_, &fn_},
+// A native leaf, walked inline under the leaf walker's name.
+#define YMAP_INLINE(tag_, lv_, node_) \
+    ::ymap::Child{tag_, nullptr, YMAP_STR(YMAP_WALKER(lv_, node_)), &YMAP_MAPPER(leaf, lv_, node_)},
+
+// ---- DECLARE ------------------------------------------------------------------
+
+#define YMAP_DUCKS_DECLARE(body)                                  \
+    extern "C" YMAP_EXPORT cerrno YMAP_DUCK(container) YMAP_CONT_SIG; \
+    extern "C" YMAP_EXPORT cerrno YMAP_DUCK(list) YMAP_NODE_SIG;      \
+    extern "C" YMAP_EXPORT cerrno YMAP_DUCK(leaf) YMAP_NODE_SIG;
+#define YMAP_CMAP_DECLARE(fn, ...) extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG;
+#define YMAP_CMAP_HAND_DECLARE(fn, hand) \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG;  \
+    extern "C" YMAP_EXPORT cerrno hand YMAP_CONT_SIG;
+#define YMAP_NMAP_DECLARE(fn, kind, ...) extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG;
+#define YMAP_NMAP_PIECES_DECLARE(fn, kind, form, ns, ...) extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG;
+#define YMAP_NMAP_HAND_DECLARE(fn, kind, hand)      \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; \
+    extern "C" YMAP_EXPORT cerrno hand YMAP_NODE_SIG;
+#define YMAP_LWALK_DECLARE(fn, mapper, kind) extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG;
+#define YMAP_WALK_DECLARE(fn, parser, ...)          \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; \
+    extern "C" YMAP_EXPORT cerrno parser YMAP_NODE_SIG;
+
+// ---- AUTO: mapper rows and entry points --------------------------------------
+
+#define YMAP_DUCKS_AUTO(leaf_body)                                                           \
+    extern "C" YMAP_EXPORT cerrno YMAP_DUCK(container) YMAP_CONT_SIG {                       \
+        return ::ymap::duck_container(YMAP_STR(YMAP_DUCK(container)), ctx, node, count, out_tree); \
+    }                                                                                        \
+    extern "C" YMAP_EXPORT cerrno YMAP_DUCK(list) YMAP_NODE_SIG {                            \
+        return ::ymap::duck_pass(YMAP_STR(YMAP_DUCK(list)), ctx, node, out_tree);            \
+    }                                                                                        \
+    extern "C" YMAP_EXPORT cerrno YMAP_DUCK(leaf) YMAP_NODE_SIG {                            \
+        return ::ymap::leaf_body(YMAP_STR(YMAP_DUCK(leaf)), ctx, node, out_tree);            \
+    }
+#define YMAP_CMAP_AUTO(fn, ...)                                                              \
+    namespace {                                                                              \
+    constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
+        .name = #fn, .kind = ::ymap::MapperKind::Container,                    \
+        .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                    \
+    }                                                                                        \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG {                                         \
+        return ::ymap::run_container_mapper(YMAP_ROW(fn), ctx, node, count, out_tree);       \
+    }
+#define YMAP_CMAP_HAND_AUTO(fn, hand_fn) \
+    YMAP_CMAP_AUTO(fn, .form = ::ymap::Form::HandCount, .hand_count = &hand_fn)
+#define YMAP_NMAP_AUTO(fn, mkind, ...)                                                       \
+    namespace {                                                                              \
+    constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
+        .name = #fn, .kind = ::ymap::MapperKind::mkind,                        \
+        .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                        \
+    }                                                                                        \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
+        return ::ymap::run_mapper(YMAP_ROW(fn), ctx, node, out_tree);                        \
+    }
+#define YMAP_NMAP_PIECES_AUTO(fn, mkind, mform, ns_, ...)                                     \
+    namespace {                                                                              \
+    constexpr const char *YMAP_PASTE(pieces_, fn)[] = {__VA_ARGS__};                         \
+    }                                                                                        \
+    YMAP_NMAP_AUTO(fn, mkind, .form = ::ymap::Form::mform, .ns = ns_,                        \
+                   .components = YMAP_PASTE(pieces_, fn),                                    \
+                   .component_count = std::size(YMAP_PASTE(pieces_, fn)))
+#define YMAP_NMAP_HAND_AUTO(fn, mkind, hand_fn) \
+    YMAP_NMAP_AUTO(fn, mkind, .form = ::ymap::Form::Hand, .hand = &hand_fn)
+#define YMAP_LWALK_AUTO(...)
+#define YMAP_WALK_AUTO(...)
+
+// ---- PARSER: walker rows and entry points ------------------------------------
+
+#define YMAP_DUCKS_PARSER(body)
+#define YMAP_CMAP_PARSER(...)
+#define YMAP_CMAP_HAND_PARSER(...)
+#define YMAP_NMAP_PARSER(...)
+#define YMAP_NMAP_PIECES_PARSER(...)
+#define YMAP_NMAP_HAND_PARSER(...)
+
+#define YMAP_WALKER_ENTRY_(fn)                                                               \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
+        return ::ymap::run_walker(YMAP_ROW(fn), ctx, node, out_tree);                        \
+    }
+#define YMAP_LWALK_PARSER(fn, mapper_fn, wkind)                                              \
+    namespace {                                                                              \
+    constexpr ::ymap::WalkerRow YMAP_ROW(fn){.name = #fn,                                    \
+                                             .family = ::ymap::Family::YMAP_FAMILY,          \
+                                             .kind = ::ymap::WalkerKind::wkind,              \
+                                             .ns = YMAP_NS,                                  \
+                                             .mapper = &mapper_fn};                          \
+    }                                                                                        \
+    YMAP_WALKER_ENTRY_(fn)
+
+// The generated augment parser of a walker, or none when a hand-written one
+// of the same name stands in the module's `_man` source.
+#define YMAP_AUG_GEN(parser)                                                                 \
+    namespace {                                                                              \
+    constexpr ::ymap::WalkerRow YMAP_ROW(parser){.name = #parser,                            \
+                                                 .family = ::ymap::Family::YMAP_FAMILY,      \
+                                                 .kind = ::ymap::WalkerKind::AugmentParser,  \
+                                                 .ns = YMAP_NS};                             \
+    }                                                                                        \
+    YMAP_WALKER_ENTRY_(parser)
+#define YMAP_AUG_HAND(parser)
+
+#define YMAP_WALK_PARSER(fn, parser, aug, wkind, fl, cmapper, lmapper, lpath, keys_, ...)    \
+    YMAP_AUG_##aug(parser) namespace {                                                       \
+        constexpr ::ymap::Child YMAP_PASTE(children_, fn)[] = {__VA_ARGS__::ymap::Child{nullptr}}; \
+        constexpr ::ymap::WalkerRow YMAP_ROW(fn){                                            \
+            .name = #fn,                                                                     \
+            .family = ::ymap::Family::YMAP_FAMILY,                                           \
+            .kind = ::ymap::WalkerKind::wkind,                                               \
+            .flags = (fl),                                                                   \
+            .ns = YMAP_NS,                                                                   \
+            .cont_mapper = (cmapper),                                                        \
+            .mapper = (lmapper),                                                             \
+            .children = std::span(YMAP_PASTE(children_, fn),                                 \
+                                  std::size(YMAP_PASTE(children_, fn)) - 1),                 \
+            .augment_parser = &parser,                                                       \
+            .list_path = (lpath),                                                            \
+            .keys = {YMAP_UNPAREN keys_}};                                                    \
+    }                                                                                        \
+    YMAP_WALKER_ENTRY_(fn)

@@ -1,0 +1,702 @@
+// The two walker families. A `qo` walker descends a native tree simply; an
+// `oq` walker carries the meaning of an OpenConfig request that names less than
+// a whole subtree: filters, walk-all passes, replace, key validation.
+#include <cstring>
+
+#include "ymap_frame.hpp"
+
+namespace ymap {
+namespace {
+
+constexpr uint32_t kReplaceBits = YFW_MAP_STATE_REPLACE_DELETE | YFW_MAP_STATE_REPLACE_MERGE;
+
+bool own_operation_is(const tidl_yfw_datatree *node, int32_t op) {
+    return node->present_operation != 0 && node->operation == op;
+}
+
+// The children of a node; the malformed pair (array missing, count given) is
+// reported by the caller.
+struct Subtrees {
+    tidl_yfw_datatree *items = nullptr;
+    uint32_t count = 0;
+    bool malformed = false;
+
+    explicit Subtrees(const tidl_yfw_datatree *node) {
+        if (node->present_subtrees == 0)
+            return;
+        items = node->subtrees;
+        count = node->subtree_count;
+        malformed = items == nullptr && count != 0;
+        if (malformed)
+            count = 0;
+    }
+};
+
+const Child *find_child(const WalkerRow &row, const char *tag) {
+    for (const Child &c : row.children)
+        if (text_equal(tag, c.tag))
+            return &c;
+    return nullptr;
+}
+
+const Child *find_walked_child(const WalkerRow &row, const char *tag) {
+    const Child *c = find_child(row, tag);
+    return c != nullptr && c->walk != nullptr ? c : nullptr;
+}
+
+bool is_key_tag(const WalkerRow &row, const char *tag) {
+    for (const char *k : row.keys)
+        if (k != nullptr && text_equal(tag, k))
+            return true;
+    return false;
+}
+
+std::size_t key_count(const WalkerRow &row) {
+    return (row.keys[0] != nullptr ? 1 : 0) + (row.keys[1] != nullptr ? 1 : 0);
+}
+
+// Common start of every walker: assertion, "Start", arguments. False when the
+// walker must return `status` at once.
+bool walker_start(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
+                  const tidl_yfw_datatree *out_tree, cerrno &status) {
+    YMAP_ASSERT_CTX(ctx);
+    YFW_MAP_TRC(ctx, row.name, "Start");
+    if (node == nullptr || out_tree == nullptr) {
+        YFW_MAP_ERR(ctx, row.name, "Invalid arguments passed!");
+        yfw_oc_error_path(ctx);
+        status = YFW_ERR_INVALID_ARGS;
+        return false;
+    }
+    return true;
+}
+
+cerrno bad_subtrees(const WalkerRow &row, yfw_map_ctx *ctx) {
+    YFW_MAP_ERR(ctx, row.name, "Failed to get subtrees!");
+    YFW_MAP_TRC(ctx, row.name, "End");
+    return YFW_ERR_BAD_TREE;
+}
+
+cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status) {
+    YFW_MAP_TRC(ctx, row.name, "End");
+    return status;
+}
+
+cerrno skip_is_success(cerrno status) { return status == YFW_MAP_SKIP_NODE ? YFW_SUCCESS : status; }
+
+// An own-namespace tag with no mapping in an OpenConfig request: passed over
+// in a read, refused in a write.
+cerrno unsupported_tag(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree *child) {
+    YFW_MAP_ERR(ctx, row.name, "Unsupported tag is specified in the request.");
+    if (read_kind(ctx))
+        return YFW_SUCCESS;
+    return refuse(ctx, child->tag, YFW_ERR_UNSUPPORTED_TAG);
+}
+
+// ---- qo ------------------------------------------------------------------------
+
+// A native leaf, walked inline under its own walker's name.
+cerrno qo_inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
+                      tidl_yfw_datatree *out_tree) {
+    YFW_MAP_TRC(ctx, c.leaf_name, "Start");
+    if (Subtrees(leaf).malformed) {
+        YFW_MAP_ERR(ctx, c.leaf_name, "Failed to get subtrees!");
+        YFW_MAP_TRC(ctx, c.leaf_name, "End");
+        return YFW_ERR_BAD_TREE;
+    }
+    if (leaf->present_error_kind != 0 && leaf->error_kind == YFW_MAP_ERROR_KIND_XPATH) {
+        YFW_MAP_TRC(ctx, c.leaf_name, "got xpath error node ");
+        ctx->state->state_flags |= YFW_MAP_STATE_XPATH_ERROR;
+    }
+    const cerrno status = c.leaf_mapper(ctx, leaf, out_tree);
+    YFW_MAP_TRC(ctx, c.leaf_name, "End");
+    return status;
+}
+
+// The children of a native container or list entry; a tag the library does not
+// know is dropped, so no native answer fails on it.
+cerrno qo_children(const WalkerRow &row, yfw_map_ctx *ctx, const Subtrees &subs,
+                   tidl_yfw_datatree *out_tree) {
+    const bool dispatch = (row.flags & kGetOnly) == 0 || request_kind(ctx) == KIND_GET;
+    cerrno status = YFW_SUCCESS;
+    for (uint32_t i = 0; i < subs.count && status == YFW_SUCCESS; ++i) {
+        tidl_yfw_datatree *child = &subs.items[i];
+        if (child->tag == nullptr) {
+            YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
+            return YFW_ERR_BAD_TREE;
+        }
+        const Child *c = dispatch ? find_child(row, child->tag) : nullptr;
+        if (c != nullptr)
+            status = c->walk != nullptr ? c->walk(ctx, child, out_tree)
+                                        : qo_inline_leaf(*c, ctx, child, out_tree);
+        else if (text_equal(child->namespace_, row.ns)) {
+            if ((row.flags & kNamedIgnore) != 0)
+                YFW_MAP_TRC(ctx, row.name, "Unsupported tag `%s`. Ignoring.", child->tag);
+            else
+                YFW_MAP_TRC(ctx, row.name, "Unsupported tag. Ignoring.");
+        } else
+            status = row.augment_parser(ctx, child, out_tree);
+    }
+    return status;
+}
+
+cerrno qo_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                    tidl_yfw_datatree *out_tree) {
+    const Subtrees subs(node);
+    if (subs.malformed)
+        return bad_subtrees(row, ctx);
+    yfw_map_add_to_node_hierarchy(ctx, node, YFW_MAP_HIER_CONTAINER);
+    cerrno status = row.cont_mapper(ctx, node, subs.count, out_tree);
+    if (status == YFW_SUCCESS)
+        status = qo_children(row, ctx, subs, out_tree);
+    yfw_map_remove_from_node_hierarchy(ctx, node);
+    return end(row, ctx, skip_is_success(status));
+}
+
+cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+               tidl_yfw_datatree *out_tree) {
+    const Subtrees subs(node);
+    if (subs.malformed && !((row.flags & kStateOnlyList) != 0 && read_kind(ctx)))
+        return bad_subtrees(row, ctx);
+    if (subs.count == 0)
+        YFW_MAP_ERR(ctx, row.name, "No keys specified with a list node.");
+    yfw_map_add_to_node_hierarchy(ctx, node, YFW_MAP_HIER_LIST_ENTRY);
+    if (yfw_map_update_current_list_node(ctx, row.list_path) == YFW_SUCCESS)
+        for (uint32_t i = 0; i < subs.count; ++i)
+            if (subs.items[i].tag != nullptr && is_key_tag(row, subs.items[i].tag))
+                yfw_dt_set_is_key(&subs.items[i]);
+    cerrno status = row.mapper(ctx, node, out_tree);
+    if (status != YFW_SUCCESS) {
+        // A skipped entry is dropped whole, with success.
+        yfw_map_remove_from_node_hierarchy(ctx, node);
+        return end(row, ctx, skip_is_success(status));
+    }
+    const uint8_t lists_before = ctx->state->output_list_count;
+    yfw_add_to_output_list_ctx(ctx, node, out_tree);
+    const bool list_opened = ctx->state->output_list_count > lists_before;
+    status = qo_children(row, ctx, subs, out_tree);
+    yfw_map_remove_from_node_hierarchy(ctx, node);
+    if (list_opened)
+        yfw_remove_from_output_list_ctx(ctx, node, out_tree);
+    return end(row, ctx, skip_is_success(status));
+}
+
+// ---- oq ------------------------------------------------------------------------
+
+cerrno oq_leaf(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+               tidl_yfw_datatree *out_tree) {
+    const cerrno status = row.mapper(ctx, node, out_tree);
+    yfw_map_state *st = ctx->state;
+    // In a walk-all pass the node is an ancestor: it is not this leaf to mark.
+    if (st->walk_all != 1 && st->walk_suppress == 0) {
+        if (row.kind == WalkerKind::LeafList) {
+            yfw_dt_set_node_kind(node, NODE_LEAF_LIST);
+        } else {
+            yfw_dt_set_node_kind(node, NODE_LEAF);
+            if (read_kind(ctx)) {
+                if (node->present_value != 0) {
+                    st->filter_flags |= YFW_MAP_FILTER_CONTENT_MATCH | YFW_MAP_FILTER_CONTENT_SEEN;
+                    yfw_dt_set_node_kind(node, NODE_CONTENT_MATCH);
+                } else {
+                    st->filter_flags |= YFW_MAP_FILTER_SELECTION;
+                }
+            }
+        }
+    }
+    return end(row, ctx, skip_is_success(status));
+}
+
+// Raises walk_all for the length of a walk-all pass, unless an outer walker has.
+class WalkAll {
+public:
+    explicit WalkAll(yfw_map_state *st) : st_(st), set_(st->walk_all != 1) { st_->walk_all = 1; }
+    ~WalkAll() {
+        if (set_)
+            st_->walk_all = 0;
+    }
+    WalkAll(const WalkAll &) = delete;
+    WalkAll &operator=(const WalkAll &) = delete;
+
+private:
+    yfw_map_state *st_;
+    bool set_;
+};
+
+// A delete walked whole: OP_DELETE is lowered to OP_REMOVE for the pass, so
+// what is absent is removed without complaint.
+class LowerDelete {
+public:
+    explicit LowerDelete(tidl_yfw_datatree *node)
+        : node_(node), lowered_(yfw_map_is_request_delete(node) && own_operation_is(node, OP_DELETE)) {
+        if (lowered_)
+            yfw_dt_set_operation(node_, OP_REMOVE);
+    }
+    ~LowerDelete() {
+        if (lowered_)
+            yfw_dt_set_operation(node_, OP_DELETE);
+    }
+    LowerDelete(const LowerDelete &) = delete;
+    LowerDelete &operator=(const LowerDelete &) = delete;
+
+private:
+    tidl_yfw_datatree *node_;
+    bool lowered_;
+};
+
+// The walk-all pass of a container: every child in schema order with the
+// container's own node, state-only children in KIND_GET, then the augment
+// parser. The children's statuses are dropped: a walk-all pass reads or
+// deletes what exists, and a subtree with no mapping must not fail it.
+void oq_walk_all(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                 tidl_yfw_datatree *out_tree) {
+    yfw_map_state *st = ctx->state;
+    {
+        WalkAll walk_all(st);
+        {
+            LowerDelete lowered(node);
+            for (const Child &c : row.children)
+                if ((c.flags & kStateOnly) == 0 && c.walk != nullptr)
+                    (void)c.walk(ctx, node, out_tree);
+        }
+        if (request_kind(ctx) == KIND_GET)
+            for (const Child &c : row.children)
+                if ((c.flags & kStateOnly) != 0 && c.walk != nullptr)
+                    (void)c.walk(ctx, node, out_tree);
+        (void)row.augment_parser(ctx, node, out_tree);
+    }
+    st->filter_flags &= YFW_MAP_FILTER_ENTRY_MASK;
+    st->filter_flags &= ~(YFW_MAP_FILTER_CONTENT_MATCH | YFW_MAP_FILTER_SELECTION);
+}
+
+// The children named in a request under a container.
+cerrno oq_container_children(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *items,
+                             uint32_t count, tidl_yfw_datatree *out_tree) {
+    const bool get = request_kind(ctx) == KIND_GET;
+    cerrno status = YFW_SUCCESS;
+    for (uint32_t i = 0; i < count && status == YFW_SUCCESS; ++i) {
+        tidl_yfw_datatree *child = &items[i];
+        if (child->tag == nullptr) {
+            YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
+            return YFW_ERR_BAD_TREE;
+        }
+        const Child *c = find_walked_child(row, child->tag);
+        // State-only children match only in KIND_GET; otherwise the tag falls
+        // through as if unknown.
+        if (c != nullptr && ((c->flags & kStateOnly) == 0 || get))
+            status = c->walk(ctx, child, out_tree);
+        else if ((row.flags & kNoOwnNsTest) == 0 && text_equal(child->namespace_, row.ns))
+            status = unsupported_tag(row, ctx, child);
+        else
+            status = row.augment_parser(ctx, child, out_tree);
+    }
+    return status;
+}
+
+cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                    tidl_yfw_datatree *out_tree) {
+    yfw_map_state *st = ctx->state;
+    const Subtrees subs(node);
+    if (subs.malformed)
+        return bad_subtrees(row, ctx);
+    const bool walk_all = st->walk_all == 1;
+    const bool read = read_kind(ctx);
+
+    // A delete names a container alone.
+    if (!walk_all && subs.count != 0 && st->walk_suppress == 0 && yfw_map_is_request_delete(node)) {
+        YFW_MAP_TRC(ctx, row.name, "Delete request with subtree present");
+        return end(row, ctx, YFW_ERR_INVALID_ARGS);
+    }
+    // In a walk-all pass with the expand bit raised, named children do not filter.
+    uint32_t working =
+        ((st->filter_flags & YFW_MAP_FILTER_EXPAND) != 0 && walk_all) ? 0 : subs.count;
+    if (!walk_all) {
+        yfw_map_add_to_node_hierarchy(ctx, node, YFW_MAP_HIER_CONTAINER);
+        yfw_dt_set_node_kind(node, NODE_CONTAINER);
+        if (read)
+            st->filter_flags &= YFW_MAP_FILTER_ENTRY_MASK;
+    }
+
+    // A replace is a walk-all delete of the bare node, then a merge of the content.
+    const bool replace = own_operation_is(node, OP_REPLACE);
+    if (replace) {
+        yfw_dt_set_operation(node, OP_REMOVE);
+        st->state_flags |= YFW_MAP_STATE_REPLACE_DELETE;
+        st->replace_active = 1;
+        yfw_dt_clear_subtrees(node);
+        working = 0;
+    }
+
+    cerrno status = YFW_SUCCESS;
+    for (int pass = 0; pass < (replace ? 2 : 1); ++pass) {
+        const cerrno mapped = row.cont_mapper(ctx, node, working, out_tree);
+        if (mapped == YFW_MAP_SKIP_NODE && (st->state_flags & YFW_MAP_STATE_REPLACE_DELETE) == 0) {
+            // The node is not to be mapped: its children are not seen.
+            if (replace) {
+                st->state_flags &= ~kReplaceBits;
+                st->replace_active = 0;
+            }
+            if (!walk_all)
+                yfw_map_remove_from_node_hierarchy(ctx, node);
+            return YFW_SUCCESS;
+        }
+        if (mapped != YFW_MAP_SKIP_NODE) {
+            status = mapped;
+            if (working != 0 && status == YFW_SUCCESS)
+                status = oq_container_children(row, ctx, node->subtrees, working, out_tree);
+            // Content-match leaves and no selection leaf: expand the container whole.
+            if ((st->filter_flags & (YFW_MAP_FILTER_SELECTION | YFW_MAP_FILTER_CONTENT_MATCH)) ==
+                YFW_MAP_FILTER_CONTENT_MATCH) {
+                st->filter_flags |= YFW_MAP_FILTER_EXPAND;
+                st->filter_flags &= ~(YFW_MAP_FILTER_SELECTION | YFW_MAP_FILTER_CONTENT_MATCH);
+            }
+            const bool named = working != 0 && (st->filter_flags & YFW_MAP_FILTER_EXPAND) == 0;
+            if (!named && (read || yfw_map_is_request_delete(node)))
+                oq_walk_all(row, ctx, node, out_tree);
+        }
+        if (replace && pass == 0) {
+            yfw_dt_set_operation(node, OP_MERGE);
+            st->state_flags |= YFW_MAP_STATE_REPLACE_MERGE;
+            st->state_flags &= ~YFW_MAP_STATE_REPLACE_DELETE;
+            yfw_dt_set_subtrees(node, subs.items, subs.count);
+            working = subs.count;
+            if (status != YFW_SUCCESS)
+                break;
+        }
+    }
+    if (replace) {
+        st->state_flags &= ~kReplaceBits;
+        st->replace_active = 0;
+    }
+    if (!walk_all)
+        yfw_map_remove_from_node_hierarchy(ctx, node);
+    return end(row, ctx, status);
+}
+
+// What a list walker's key scan found among the entry's children.
+struct KeyScan {
+    uint32_t keys = 0;
+    uint32_t keys_with_value = 0;
+    bool key_without_value = false;
+    bool other_children = false;
+};
+
+bool keys_valid(const WalkerRow &row, uint32_t kind, const KeyScan &scan) {
+    const uint32_t k = scan.keys;
+    const uint32_t v = scan.keys_with_value;
+    if (key_count(row) > 1)
+        return k != 0 && v != 0;
+    if (kind == KIND_EDIT_A || kind == KIND_EDIT_C)
+        return v == 1 && k < 2;
+    return v < 2 && k < 2 && (kind != KIND_EDIT_B || v != 0);
+}
+
+// An entry named by its keys alone (or, `bare`, an entry or list named with no
+// children at all) is read or deleted whole: its `config`, in KIND_GET its
+// `state`, and the augment parser, as one walk-all pass.
+void oq_expand_entry(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *target,
+                     bool deleted_whole, bool bare, tidl_yfw_datatree *out_tree) {
+    yfw_map_state *st = ctx->state;
+    WalkAll walk_all(st);
+    const uint32_t suppress_before = st->walk_suppress;
+    if (bare || deleted_whole)
+        st->walk_suppress = 1;
+    const Subtrees subs(target);
+    const int32_t op_before = target->operation;
+    const unsigned op_present_before = target->present_operation;
+    if (!bare) {
+        if (yfw_map_is_request_delete(target))
+            yfw_dt_set_operation(target, OP_REMOVE);
+        // The named keys stay reachable for the framework while the entry is walked bare.
+        yfw_map_util_itree_stack_push(ctx, subs.items, subs.count, nullptr);
+        yfw_dt_clear_subtrees(target);
+    }
+    {
+        LowerDelete lowered(target);
+        if (bare)
+            if (const Child *key = find_walked_child(row, row.keys[0]))
+                (void)key->walk(ctx, target, out_tree);
+        if (const Child *config = find_walked_child(row, "config"))
+            (void)config->walk(ctx, target, out_tree);
+        if (request_kind(ctx) == KIND_GET)
+            if (const Child *state = find_walked_child(row, "state"))
+                (void)state->walk(ctx, target, out_tree);
+        (void)row.augment_parser(ctx, target, out_tree);
+    }
+    st->walk_suppress = suppress_before;
+    if (!bare) {
+        target->operation = op_before;
+        target->present_operation = op_present_before;
+        yfw_dt_set_subtrees(target, subs.items, subs.count);
+        target->present_subtrees = subs.items != nullptr || subs.count != 0 ? 1 : 0;
+        yfw_map_util_itree_stack_pop(ctx);
+    }
+}
+
+// The children named in one instance of a list entry.
+cerrno oq_entry_children(const WalkerRow &row, yfw_map_ctx *ctx, const Subtrees &subs,
+                         KeyScan &scan, tidl_yfw_datatree *out_tree) {
+    yfw_map_state *st = ctx->state;
+    const uint32_t kind = request_kind(ctx);
+    const bool replace_delete = (st->state_flags & YFW_MAP_STATE_REPLACE_DELETE) != 0;
+    cerrno status = YFW_SUCCESS;
+    for (uint32_t i = 0; i < subs.count && status == YFW_SUCCESS; ++i) {
+        tidl_yfw_datatree *child = &subs.items[i];
+        if (child->tag == nullptr) {
+            YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
+            return YFW_ERR_BAD_TREE;
+        }
+        const Child *c = find_walked_child(row, child->tag);
+        if (is_key_tag(row, child->tag)) {
+            if (yfw_map_is_key_demanding_kind(kind) && child->present_value == 0) {
+                YFW_MAP_ERR(ctx, row.name, "Empty list key specified.");
+                status = refuse(ctx, child->tag, YFW_ERR_LIST_KEY);
+            } else if (own_operation_is(child, OP_DELETE) || own_operation_is(child, OP_REMOVE)) {
+                YFW_MAP_ERR(ctx, row.name, "The key node should not have delete operation.");
+                yfw_oc_error_path(ctx);
+                status = YFW_ERR_KEY_DELETE;
+            } else {
+                if (c != nullptr)
+                    status = c->walk(ctx, child, out_tree);
+                yfw_dt_set_is_key(child);
+            }
+        } else if (c != nullptr && ((c->flags & kStateOnly) == 0 || kind == KIND_GET)) {
+            // The first pass of a replace visits the keys alone.
+            if (!replace_delete)
+                status = c->walk(ctx, child, out_tree);
+            scan.other_children = true;
+        } else if (!replace_delete) {
+            if (text_equal(child->namespace_, row.ns)) {
+                status = unsupported_tag(row, ctx, child);
+            } else {
+                status = row.augment_parser(ctx, child, out_tree);
+                scan.other_children = true;
+            }
+        }
+    }
+    return status;
+}
+
+cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+               tidl_yfw_datatree *out_tree) {
+    yfw_map_state *st = ctx->state;
+    const uint32_t kind = request_kind(ctx);
+    const bool read = read_kind(ctx);
+    Subtrees subs(node);
+    if (subs.malformed && !((row.flags & kStateOnlyList) != 0 && read))
+        return bad_subtrees(row, ctx);
+    const bool walk_all = st->walk_all == 1;
+
+    if (subs.count == 0 && !walk_all && st->walk_suppress == 0) {
+        YFW_MAP_ERR(ctx, row.name, "No keys specified with a list node.");
+        if (yfw_map_is_key_demanding_kind(kind)) {
+            YFW_MAP_TRC(ctx, row.name, "No keys specified with a list node.");
+            return end(row, ctx, YFW_ERR_BAD_TREE);
+        }
+    }
+    if (!walk_all) {
+        yfw_map_add_to_node_hierarchy(ctx, node, YFW_MAP_HIER_LIST_ENTRY);
+        yfw_dt_set_node_kind(node, NODE_LIST);
+        if (read)
+            st->filter_flags &= YFW_MAP_FILTER_ENTRY_MASK;
+    }
+    cerrno status = yfw_map_update_current_list_node(ctx, row.list_path);
+
+    // Key scan.
+    KeyScan scan;
+    if (subs.count != 0 && status == YFW_SUCCESS && st->walk_all != 1 && st->walk_suppress == 0) {
+        for (uint32_t i = 0; i < subs.count; ++i) {
+            tidl_yfw_datatree *child = &subs.items[i];
+            if (child->tag == nullptr || !is_key_tag(row, child->tag)) {
+                scan.other_children = true;
+                continue;
+            }
+            if (yfw_map_is_key_demanding_kind(kind)) {
+                const cerrno checked =
+                    yfw_map_check_oc_leafref(ctx, row.list_path, "config", child, node);
+                if (checked != YFW_SUCCESS) {
+                    // The hierarchy stays as it is: the framework reads it for the answer.
+                    YFW_MAP_ERR(ctx, row.name, "leafref value check fail");
+                    return end(row, ctx, checked);
+                }
+            }
+            ++scan.keys;
+            yfw_dt_set_is_key(child);
+            if (child->present_value != 0)
+                ++scan.keys_with_value;
+            else
+                scan.key_without_value = true;
+        }
+    }
+    // Key validation: the walk goes on to the end with the status, doing no work.
+    if (!walk_all && subs.count != 0 && st->walk_suppress == 0 && status == YFW_SUCCESS &&
+        !keys_valid(row, kind, scan)) {
+        YFW_MAP_ERR(ctx, row.name, "List key node error.");
+        status = refuse(ctx, row.keys[0], YFW_ERR_LIST_KEY);
+    }
+
+    const bool replace = own_operation_is(node, OP_REPLACE);
+    if (replace) {
+        yfw_dt_set_operation(node, OP_REMOVE);
+        st->state_flags |= YFW_MAP_STATE_REPLACE_DELETE;
+        st->replace_active = 1;
+        scan.other_children = false;
+        scan.key_without_value = false;
+    }
+
+    bool suppress_set = false;
+    for (int pass = 0; pass < (replace ? 2 : 1) && status == YFW_SUCCESS; ++pass) {
+        subs = Subtrees(node); // an earlier pass may have added a key to the entry
+        const uint32_t stack_before = yfw_map_util_itree_stack_size(ctx);
+        const bool del = yfw_map_is_request_delete(node);
+        bool deleted_whole = false;
+        cerrno mapped;
+        if (del && scan.keys != 0 && !scan.other_children && st->walk_suppress == 0) {
+            // A delete that names the keys alone: the mapper sees that the whole entry goes.
+            st->walk_suppress = 2;
+            mapped = row.mapper(ctx, node, out_tree);
+            st->walk_suppress = 0;
+            deleted_whole = true;
+        } else if (del && subs.count == 0 && st->walk_all == 1 && st->walk_suppress == 0) {
+            st->walk_suppress = 1;
+            suppress_set = true;
+            deleted_whole = true;
+            mapped = row.mapper(ctx, node, out_tree);
+        } else {
+            mapped = row.mapper(ctx, node, out_tree);
+        }
+        if (mapped == YFW_MAP_SKIP_NODE) {
+            if (suppress_set) {
+                st->walk_suppress = 0;
+                suppress_set = false;
+            }
+        } else {
+            status = mapped;
+            yfw_map_itree_entry *entry = nullptr;
+            if (yfw_map_util_itree_stack_size(ctx) > stack_before)
+                yfw_map_util_itree_stack_peak(ctx, &entry);
+            if (status == YFW_SUCCESS)
+                ctx->list_op = node->present_operation != 0 ? (uint32_t)node->operation : 0u;
+
+            // One instance: the entry itself, or each node of a pushed itree entry.
+            const uint32_t instances = entry != nullptr ? entry->count : 1;
+            for (uint32_t i = 0; i < instances; ++i) {
+                tidl_yfw_datatree *inst = entry != nullptr ? &entry->nodes[i] : node;
+                const Subtrees isubs = entry != nullptr ? Subtrees(inst) : subs;
+                if (i > 0) {
+                    yfw_map_add_to_node_hierarchy(ctx, inst, YFW_MAP_HIER_LIST_ENTRY);
+                    (void)yfw_map_update_current_list_node(ctx, row.list_path);
+                }
+                if (entry != nullptr && entry->callback != nullptr) {
+                    if (del)
+                        yfw_dt_set_operation(inst, OP_REMOVE);
+                    (void)entry->callback(ctx, inst, out_tree, 0);
+                }
+                if (status == YFW_SUCCESS)
+                    status = oq_entry_children(row, ctx, isubs, scan, out_tree);
+                if (status == YFW_SUCCESS && (read || del)) {
+                    if (isubs.count == 0)
+                        oq_expand_entry(row, ctx, inst, deleted_whole, true, out_tree);
+                    else if (!scan.key_without_value && !scan.other_children && scan.keys != 0)
+                        oq_expand_entry(row, ctx, inst, deleted_whole, false, out_tree);
+                }
+                if (i > 0)
+                    yfw_map_remove_from_node_hierarchy(ctx, inst);
+            }
+            if (entry != nullptr && entry->count != 0)
+                yfw_map_util_itree_stack_pop(ctx);
+
+            // The output entry needs a key, and the client named none.
+            if (status == YFW_SUCCESS && read && !walk_all && scan.other_children &&
+                scan.keys == 0 && row.keys[0] != nullptr) {
+                tidl_yfw_datatree *key = nullptr;
+                (void)yfw_map_datatree_add_path_flagged(ctx, node, row.keys[0], node->namespace_,
+                                                        nullptr, nullptr, &key, 0, 0);
+                if (key != nullptr)
+                    yfw_dt_set_is_key(key);
+            }
+        }
+        if (replace && pass == 0) {
+            yfw_dt_set_operation(node, OP_MERGE);
+            st->state_flags &= ~YFW_MAP_STATE_REPLACE_DELETE;
+        }
+    }
+    if (suppress_set)
+        st->walk_suppress = 0;
+    if (replace) {
+        st->state_flags &= ~kReplaceBits;
+        st->replace_active = 0;
+    }
+    if (!walk_all)
+        yfw_map_remove_from_node_hierarchy(ctx, node);
+    return end(row, ctx, skip_is_success(status));
+}
+
+// A walker of an augmenting module, entered with one node: the augmented
+// child's tag goes to its walker; named bare in a read or a delete, the
+// augmented subtree is walked whole.
+cerrno oq_augment(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                  tidl_yfw_datatree *out_tree) {
+    const Subtrees subs(node);
+    if (subs.malformed)
+        return bad_subtrees(row, ctx);
+    cerrno status = YFW_SUCCESS;
+    if (node->tag == nullptr) {
+        YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
+        status = YFW_ERR_BAD_TREE;
+    } else {
+        YFW_MAP_TRC(ctx, row.name, "Processing tag '%s'", node->tag);
+        if (const Child *c = find_walked_child(row, node->tag))
+            status = c->walk(ctx, node, out_tree);
+        else if (text_equal(node->namespace_, row.ns))
+            status = unsupported_tag(row, ctx, node);
+        else
+            status = row.augment_parser(ctx, node, out_tree);
+    }
+    if (subs.count == 0 && status == YFW_SUCCESS &&
+        (read_kind(ctx) || yfw_map_is_request_delete(node))) {
+        WalkAll walk_all(ctx->state);
+        LowerDelete lowered(node);
+        for (const Child &c : row.children)
+            if (c.walk != nullptr && ((c.flags & kStateOnly) == 0 || request_kind(ctx) == KIND_GET))
+                (void)c.walk(ctx, node, out_tree);
+        (void)row.augment_parser(ctx, node, out_tree);
+    }
+    return end(row, ctx, status);
+}
+
+// The generated augment parser. OpenConfig: a foreign node in an edit has no
+// place to go and is refused; anything else passes. Native: dropped.
+cerrno augment_parser(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node) {
+    cerrno status = YFW_SUCCESS;
+    if (row.family == Family::Oq && yfw_map_is_request_add(ctx, node))
+        status = refuse(ctx, node->tag, YFW_ERR_UNSUPPORTED_AUGMENT);
+    return end(row, ctx, status);
+}
+
+} // namespace
+
+cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                  tidl_yfw_datatree *out_tree) {
+    cerrno status = YFW_SUCCESS;
+    if (!walker_start(row, ctx, node, out_tree, status))
+        return status;
+    if (row.on_enter != nullptr)
+        row.on_enter();
+    switch (row.kind) {
+    case WalkerKind::Container:
+        return row.family == Family::Qo ? qo_container(row, ctx, node, out_tree)
+                                        : oq_container(row, ctx, node, out_tree);
+    case WalkerKind::List:
+        return row.family == Family::Qo ? qo_list(row, ctx, node, out_tree)
+                                        : oq_list(row, ctx, node, out_tree);
+    case WalkerKind::Leaf:
+    case WalkerKind::LeafList:
+        return oq_leaf(row, ctx, node, out_tree);
+    case WalkerKind::Augment:
+        return oq_augment(row, ctx, node, out_tree);
+    case WalkerKind::AugmentParser:
+        return augment_parser(row, ctx, node);
+    }
+    return end(row, ctx, status);
+}
+
+} // namespace ymap
