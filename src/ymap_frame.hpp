@@ -76,6 +76,7 @@ enum class MapperKind : uint8_t { Container, List, Leaf };
 
 enum class Form : uint8_t {
     Pass,        // nothing; success
+    None,        // leaf: accepted, with no counterpart
     StatePickup, // container: with no children named, ask for the whole container
     Mapped,      // container: add the target when named with children or deleted
     Hand,        // a hand-written function of (ctx, node, out_tree)

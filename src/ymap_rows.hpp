@@ -170,7 +170,7 @@
 #define YMAP_CMAP_AUTO(fn, ...)                                                              \
     namespace {                                                                              \
     constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
-        .name = #fn, .kind = ::ymap::MapperKind::Container,                    \
+        .name = YMAP_STR(fn), .kind = ::ymap::MapperKind::Container,                    \
         .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                    \
     }                                                                                        \
     extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG {                                         \
@@ -181,7 +181,7 @@
 #define YMAP_NMAP_AUTO(fn, mkind, ...)                                                       \
     namespace {                                                                              \
     constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
-        .name = #fn, .kind = ::ymap::MapperKind::mkind,                        \
+        .name = YMAP_STR(fn), .kind = ::ymap::MapperKind::mkind,                        \
         .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                        \
     }                                                                                        \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
@@ -214,7 +214,7 @@
     }
 #define YMAP_LWALK_PARSER(fn, mapper_fn, wkind)                                              \
     namespace {                                                                              \
-    constexpr ::ymap::WalkerRow YMAP_ROW(fn){.name = #fn,                                    \
+    constexpr ::ymap::WalkerRow YMAP_ROW(fn){.name = YMAP_STR(fn),                                    \
                                              .family = ::ymap::Family::YMAP_FAMILY,          \
                                              .kind = ::ymap::WalkerKind::wkind,              \
                                              .ns = YMAP_NS,                                  \
@@ -226,7 +226,7 @@
 // of the same name stands in the module's `_man` source.
 #define YMAP_AUG_GEN(parser)                                                                 \
     namespace {                                                                              \
-    constexpr ::ymap::WalkerRow YMAP_ROW(parser){.name = #parser,                            \
+    constexpr ::ymap::WalkerRow YMAP_ROW(parser){.name = YMAP_STR(parser),                            \
                                                  .family = ::ymap::Family::YMAP_FAMILY,      \
                                                  .kind = ::ymap::WalkerKind::AugmentParser,  \
                                                  .ns = YMAP_NS};                             \
@@ -238,7 +238,7 @@
     YMAP_AUG_##aug(parser) namespace {                                                       \
         constexpr ::ymap::Child YMAP_PASTE(children_, fn)[] = {__VA_ARGS__::ymap::Child{nullptr}}; \
         constexpr ::ymap::WalkerRow YMAP_ROW(fn){                                            \
-            .name = #fn,                                                                     \
+            .name = YMAP_STR(fn),                                                                     \
             .family = ::ymap::Family::YMAP_FAMILY,                                           \
             .kind = ::ymap::WalkerKind::wkind,                                               \
             .flags = (fl),                                                                   \

@@ -1,0 +1,292 @@
+// The OpenConfig walker pattern, driven through the tests' own module.
+#include <string>
+
+#include "harness.hpp"
+#include "testmod.hpp"
+
+namespace {
+
+using test::Request;
+
+constexpr auto kTop = &ymap_oq_ocsystem_testmod_lvla_top;
+
+std::string top(std::string_view body, std::string_view attrs = "") {
+    return "<top xmlns=\"urn:test:oq\" xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"" +
+           std::string(attrs) + ">" + std::string(body) + "</top>";
+}
+
+const char kClock[] = "/Tarvex-QV-infra-infra-clock-linux-cfg:clock";
+const char kBanners[] = "/Tarvex-QV-infra-infra-cfg:banners";
+
+TEST(OqWalker, GetOfAnEmptyRootVisitsEveryChildOnceStateOnlyLast) {
+    Request r(KIND_GET);
+    ASSERT_EQ(r.run(kTop, "<top xmlns=\"urn:test:oq\"/>"), YFW_SUCCESS);
+    // conf, then lst named bare (key, conf), then the state-only st.
+    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
+                             "/time-zone/area-name\n" + kClock + "/time-zone/time-zone-name\n" +
+                             kBanners + "\n" + kBanners + "/banner\n" + kBanners +
+                             "/banner/banner-name\n" + kBanners + "/banner/banner-text\n" +
+                             "/Tarvex-QV-shellutil-cfg:host-names\n" +
+                             "/Tarvex-QV-shellutil-cfg:host-names/host-name\n");
+    r.expect_state_restored();
+}
+
+TEST(OqWalker, GetConfigLeavesStateOnlyChildrenOut) {
+    Request r(KIND_GET_CONFIG);
+    ASSERT_EQ(r.run(kTop, "<top xmlns=\"urn:test:oq\"/>"), YFW_SUCCESS);
+    EXPECT_EQ(r.paths().find("host-names"), std::string::npos);
+    // A state child named in a non-GET read is unknown and passed over.
+    Request named(KIND_GET_CONFIG);
+    ASSERT_EQ(named.run(kTop, top("<state><z/></state>")), YFW_SUCCESS);
+    EXPECT_EQ(named.paths(), "");
+}
+
+TEST(OqWalker, SelectionLeavesMapOnlyWhatIsNamed) {
+    Request r(KIND_GET_CONFIG);
+    ASSERT_EQ(r.run(kTop, top("<config><x/></config>")), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
+                             "/time-zone/area-name\n");
+    EXPECT_EQ(r.state()->filter_flags & YFW_MAP_FILTER_CONTENT_SEEN, 0u);
+    r.expect_state_restored();
+}
+
+TEST(OqWalker, ContentMatchAloneExpandsTheContainer) {
+    Request r(KIND_GET_CONFIG);
+    ASSERT_EQ(r.run(kTop, top("<config><x>Europe</x></config>")), YFW_SUCCESS);
+    // The filter value goes out, and the walk-all pass selects every leaf.
+    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
+                             "/time-zone/area-name = \"Europe\"\n" + kClock +
+                             "/time-zone/time-zone-name\n");
+    EXPECT_NE(r.state()->filter_flags & YFW_MAP_FILTER_CONTENT_SEEN, 0u);
+    EXPECT_EQ(r.state()->filter_flags & YFW_MAP_FILTER_EXPAND, 0u);
+    r.expect_state_restored();
+}
+
+TEST(OqWalker, ContentMatchWithASelectionLeafDoesNotExpand) {
+    Request r(KIND_GET_CONFIG);
+    tidl_yfw_datatree *in = r.input(top("<config><x>Europe</x><y/></config>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
+                             "/time-zone/area-name = \"Europe\"\n" + kClock +
+                             "/time-zone/time-zone-name\n");
+    const tidl_yfw_datatree &conf = in->subtrees[0];
+    EXPECT_EQ(conf.node_kind, NODE_CONTAINER);
+    EXPECT_EQ(conf.subtrees[0].node_kind, NODE_CONTENT_MATCH);
+    EXPECT_EQ(conf.subtrees[1].node_kind, NODE_LEAF);
+}
+
+TEST(OqWalker, DeleteOfAContainerWithChildrenIsRefusedWithoutErrorPath) {
+    Request r(KIND_EDIT_A);
+    r.session().set_debug_log(true);
+    EXPECT_EQ(r.run(kTop, top("<config nc:operation=\"delete\"><x/></config>")),
+              YFW_ERR_INVALID_ARGS);
+    EXPECT_EQ(r.error_path(), "");
+    EXPECT_EQ(test::count_lines(r.session().debug_log(), "Delete request with subtree present"), 1);
+    EXPECT_EQ(r.paths(), "");
+    r.expect_state_restored();
+}
+
+TEST(OqWalker, BareDeleteWalksEveryLeafAsARemoval) {
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *in = r.input(top("<config nc:operation=\"delete\"/>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
+                             "/time-zone/area-name @remove\n" + kClock +
+                             "/time-zone/time-zone-name @remove\n");
+    EXPECT_EQ(in->subtrees[0].operation, OP_DELETE); // lowered for the pass, then put back
+    r.expect_state_restored();
+}
+
+TEST(OqWalker, ReplaceIsADeleteOfEveryLeafThenAMerge) {
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *in = r.input(top("<config nc:operation=\"replace\"><x>Asia</x></config>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    // y was removed by the delete pass; x was removed, then merged with its value.
+    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
+                             "/time-zone/area-name = \"Asia\" @merge\n" + kClock +
+                             "/time-zone/time-zone-name @remove\n");
+    const tidl_yfw_datatree &conf = in->subtrees[0];
+    EXPECT_EQ(conf.operation, OP_MERGE);
+    EXPECT_EQ(conf.subtree_count, 1u);
+    r.expect_state_restored();
+}
+
+TEST(OqWalker, UnknownOwnTagIsPassedOverInAReadAndRefusedInAWrite) {
+    Request read(KIND_GET_CONFIG);
+    EXPECT_EQ(read.run(kTop, top("<config><nope/><x/></config>")), YFW_SUCCESS);
+    EXPECT_NE(read.paths(), "");
+    read.expect_state_restored();
+
+    Request write(KIND_EDIT_B);
+    EXPECT_EQ(write.run(kTop, top("<config><nope>1</nope><x>2</x></config>")),
+              YFW_ERR_UNSUPPORTED_TAG);
+    EXPECT_EQ(write.error_tag(), "nope");
+    EXPECT_EQ(write.error_path(), "/urn:test:oq:top/config");
+    EXPECT_EQ(write.paths(), ""); // the walk stopped before x
+    write.expect_state_restored();
+}
+
+TEST(OqWalker, ForeignNodeInAnEditIsAnUnsupportedAugment) {
+    Request r(KIND_EDIT_A);
+    EXPECT_EQ(r.run(kTop, top("<config><q xmlns=\"urn:other\">1</q></config>")),
+              YFW_ERR_UNSUPPORTED_AUGMENT);
+    EXPECT_EQ(r.error_tag(), "q");
+    // A delete of it is no add: passed over.
+    Request del(KIND_EDIT_A);
+    EXPECT_EQ(del.run(kTop, top("<config><q xmlns=\"urn:other\" nc:operation=\"remove\"/></config>")),
+              YFW_SUCCESS);
+}
+
+TEST(OqWalker, NullTagIsABadTree) {
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *in = r.input(top("<config><x>1</x></config>"));
+    in->subtrees[0].subtrees[0].tag = nullptr;
+    EXPECT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_ERR_BAD_TREE);
+    EXPECT_EQ(r.error_path(), "");
+    r.expect_state_restored();
+}
+
+TEST(OqWalker, MalformedChildrenAreABadTree) {
+    Request r(KIND_GET);
+    tidl_yfw_datatree *in = r.input(top("<config/>"));
+    in->subtrees[0].subtrees = nullptr;
+    in->subtrees[0].subtree_count = 3;
+    in->subtrees[0].present_subtrees = 1;
+    EXPECT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_ERR_BAD_TREE);
+    r.expect_state_restored();
+    // With the presence bit clear, the count is not looked at.
+    Request clear(KIND_GET_CONFIG);
+    tidl_yfw_datatree *in2 = clear.input(top("<config/>"));
+    in2->subtrees[0].subtree_count = 3;
+    EXPECT_EQ(kTop(clear.ctx(), in2, clear.session().output()), YFW_SUCCESS);
+}
+
+TEST(OqWalker, NullArgumentsAreRefusedWithTheErrorPath) {
+    Request r(KIND_GET);
+    EXPECT_EQ(kTop(r.ctx(), nullptr, r.session().output()), YFW_ERR_INVALID_ARGS);
+    tidl_yfw_datatree *in = r.input(top(""));
+    EXPECT_EQ(kTop(r.ctx(), in, nullptr), YFW_ERR_INVALID_ARGS);
+    EXPECT_EQ(ymap_oq_ocsystem_testmod_cont_lvla_top(r.ctx(), in, 0, nullptr),
+              YFW_ERR_INVALID_ARGS);
+    r.expect_state_restored();
+}
+
+// ---- Lists --------------------------------------------------------------------
+
+TEST(OqListWalker, EntryWithoutChildrenInAKeyDemandingKindIsABadTree) {
+    for (uint32_t kind : {KIND_EDIT_A, KIND_EDIT_B, KIND_EDIT_C}) {
+        test::last_list_mapper_call = {};
+        Request r(kind);
+        EXPECT_EQ(r.run(kTop, top("<lst/>")), YFW_ERR_BAD_TREE) << kind;
+        EXPECT_EQ(test::last_list_mapper_call.calls, 0) << kind;
+        r.expect_state_restored();
+    }
+    // Any other write kind goes on without the key demand.
+    Request other(3);
+    EXPECT_EQ(other.run(kTop, top("<lst/>")), YFW_SUCCESS);
+}
+
+struct KeyCase {
+    const char *name;
+    uint32_t kind;
+    const char *body;
+    cerrno status;
+    const char *error_tag = "";
+};
+
+class KeyValidation : public ::testing::TestWithParam<KeyCase> {};
+
+TEST_P(KeyValidation, StatusAndReport) {
+    const KeyCase &c = GetParam();
+    Request r(c.kind);
+    EXPECT_EQ(r.run(kTop, top(c.body)), c.status);
+    EXPECT_EQ(r.error_tag(), c.error_tag);
+    r.expect_state_restored();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, KeyValidation,
+    ::testing::Values(
+        KeyCase{"edit_a_with_key", KIND_EDIT_A, "<lst><name>a</name><config><text>t</text></config></lst>", YFW_SUCCESS},
+        KeyCase{"edit_a_without_key", KIND_EDIT_A, "<lst><config><text>t</text></config></lst>", YFW_ERR_LIST_KEY, "name"},
+        KeyCase{"edit_b_without_key", KIND_EDIT_B, "<lst><config><text>t</text></config></lst>", YFW_ERR_LIST_KEY, "name"},
+        KeyCase{"edit_c_two_keys", KIND_EDIT_C, "<lst><name>a</name><name>b</name></lst>", YFW_ERR_LIST_KEY, "name"},
+        KeyCase{"edit_b_empty_value_is_a_value", KIND_EDIT_B, "<lst><name/><config/></lst>", YFW_SUCCESS},
+        KeyCase{"other_kind_no_key", 3, "<lst><config><text>t</text></config></lst>", YFW_SUCCESS},
+        KeyCase{"read_no_key", KIND_GET_CONFIG, "<lst><config><text/></config></lst>", YFW_SUCCESS},
+        KeyCase{"key_with_delete", KIND_EDIT_A, "<lst><name nc:operation=\"delete\">a</name></lst>", YFW_ERR_KEY_DELETE},
+        KeyCase{"leafref_mismatch", KIND_EDIT_A, "<lst><name>a</name><config><name>b</name></config></lst>", YFW_ERR_LIST_KEY},
+        KeyCase{"leafref_match", KIND_EDIT_A, "<lst><name>a</name><config><name>a</name></config></lst>", YFW_SUCCESS},
+        KeyCase{"state_in_a_write", KIND_EDIT_A, "<lst><name>a</name><state/></lst>", YFW_ERR_UNSUPPORTED_TAG, "state"}),
+    [](const auto &info) { return std::string(info.param.name); });
+
+TEST(OqListWalker, EditCarriesKeyAndContentIntoTheOutputEntry) {
+    Request r(KIND_EDIT_A);
+    ASSERT_EQ(r.run(kTop, top("<lst><name>motd</name><config><text>hi</text></config></lst>"
+                              "<lst><name>login</name><config><text>yo</text></config></lst>")),
+              YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners + "/banner[banner-name='motd']\n" +
+                             kBanners + "/banner[banner-name='motd']/banner-name = \"motd\"\n" +
+                             kBanners + "/banner[banner-name='motd']/banner-text = \"hi\"\n" +
+                             kBanners + "/banner[banner-name='login']\n" + kBanners +
+                             "/banner[banner-name='login']/banner-name = \"login\"\n" + kBanners +
+                             "/banner[banner-name='login']/banner-text = \"yo\"\n");
+    EXPECT_EQ(r.ctx()->list_op, 0u);
+    r.expect_state_restored();
+}
+
+TEST(OqListWalker, KeysOnlyDeleteRunsTheMapperWithSuppressTwoThenWalksTheEntryWhole) {
+    test::last_list_mapper_call = {};
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *in = r.input(top("<lst nc:operation=\"delete\"><name>motd</name></lst>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    EXPECT_EQ(test::last_list_mapper_call.walk_suppress, 2u);
+    EXPECT_TRUE(test::last_list_mapper_call.deleted);
+    EXPECT_EQ(r.ctx()->list_op, (uint32_t)OP_DELETE);
+    // The entry goes, and its content is named for removal. The key leaf is
+    // under the delete too, so by the three-way rule it names no value.
+    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners + "/banner @delete\n" + kBanners +
+                             "/banner/banner-name @delete\n" + kBanners +
+                             "/banner/banner-text @remove\n");
+    const tidl_yfw_datatree &lst = in->subtrees[0];
+    EXPECT_EQ(lst.operation, OP_DELETE);
+    EXPECT_EQ(lst.subtree_count, 1u);
+    EXPECT_EQ(lst.subtrees[0].is_key, 1);
+    r.expect_state_restored();
+}
+
+TEST(OqListWalker, ReadOfAnEntryWithoutItsKeyAddsTheKeyToTheRequest) {
+    Request r(KIND_GET_CONFIG);
+    tidl_yfw_datatree *in = r.input(top("<lst><config><text/></config></lst>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    const tidl_yfw_datatree &lst = in->subtrees[0];
+    ASSERT_EQ(lst.subtree_count, 2u);
+    EXPECT_STREQ(lst.subtrees[1].tag, "name");
+    EXPECT_EQ(lst.subtrees[1].is_key, 1);
+    EXPECT_EQ(lst.subtrees[1].present_value, 0u);
+}
+
+TEST(OqListWalker, ReadOfAnEntryByKeyAloneExpandsIt) {
+    Request r(KIND_GET);
+    ASSERT_EQ(r.run(kTop, top("<lst><name>motd</name></lst>")), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners + "/banner[banner-name='motd']\n" +
+                             kBanners + "/banner[banner-name='motd']/banner-name = \"motd\"\n" +
+                             kBanners + "/banner[banner-name='motd']/banner-text\n");
+    r.expect_state_restored();
+}
+
+TEST(OqListWalker, ReplaceOfAnEntryDeletesItWholeThenMerges) {
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *in =
+        r.input(top("<lst nc:operation=\"replace\"><name>motd</name><config><text>new</text></config></lst>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    EXPECT_EQ(in->subtrees[0].operation, OP_MERGE);
+    // The first pass removes the entry; the second merges its content into it.
+    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners +
+                             "/banner[banner-name='motd'] @remove\n" + kBanners +
+                             "/banner[banner-name='motd']/banner-name = \"motd\" @merge\n" + kBanners +
+                             "/banner[banner-name='motd']/banner-text = \"new\" @merge\n");
+    r.expect_state_restored();
+}
+
+} // namespace

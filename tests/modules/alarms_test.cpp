@@ -1,0 +1,76 @@
+// Alarms: seven leaves each way, in KIND_GET alone.
+#include "harness.hpp"
+#include "ymap_ocsystem_modules.h"
+
+namespace {
+
+using test::Request;
+
+constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
+constexpr auto kAlarmOper = &ymap_qo_ocsystem_tarvexqvprivatealarmmgrocoper_lvla_amfmedt;
+constexpr auto kAlarmsAugment = &ymap_oq_ocsystem_openconfigalarms_augment_lvla_state;
+
+std::string oc(std::string_view alarm) {
+    return "<system xmlns=\"http://openconfig.net/yang/system\"><alarms><alarm>" +
+           std::string(alarm) + "</alarm></alarms></system>";
+}
+const char kAnswer[] =
+    "<amfm-edt xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-alarm-mgr-oc-oper\">"
+    "<system><alarms><alarm><id>a1</id><state><id>a1</id><resource>fan0</resource>"
+    "<text>fan failed</text><time-created>1700000000</time-created><severity>MAJOR</severity>"
+    "<type-id>FAN</type-id></state></alarm></alarms></system></amfm-edt>";
+
+TEST(Alarms, NativeAlarmComesBackLeafForLeaf) {
+    Request r(KIND_GET);
+    ASSERT_EQ(r.run(kAlarmOper, kAnswer), YFW_SUCCESS);
+    const std::string a = "/openconfig-system:system/alarms/alarm[id='a1']";
+    EXPECT_EQ(r.paths(), "/openconfig-system:system\n/openconfig-system:system/alarms\n" + a +
+                             "\n" + a + "/id = \"a1\"\n" + a + "/state\n" + a +
+                             "/state/id = \"a1\"\n" + a + "/state/resource = \"fan0\"\n" + a +
+                             "/state/text = \"fan failed\"\n" + a +
+                             "/state/time-created = \"1700000000\"\n" + a +
+                             "/state/severity = \"MAJOR\"\n" + a + "/state/type-id = \"FAN\"\n");
+    r.expect_state_restored();
+}
+
+TEST(Alarms, NativeTreeOutsideGetGivesNothing) {
+    Request r(KIND_GET_CONFIG);
+    ASSERT_EQ(r.run(kAlarmOper, kAnswer), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), "");
+}
+
+TEST(Alarms, ReadAsksThePrivateModule) {
+    Request r(KIND_GET);
+    ASSERT_EQ(r.run(kSystem, oc("<id>a1</id><state><severity/><equipment-failure "
+                                "xmlns=\"http://openconfig.net/yang/alarms\"/></state>")),
+              YFW_SUCCESS);
+    const std::string n = "/Tarvex-QV-PRIVATE-alarm-mgr-oc-oper:amfm-edt";
+    const std::string e = n + "/system/alarms/alarm[id='a1']";
+    EXPECT_EQ(r.paths(), n + "\n" + n + "/system\n" + n + "/system/alarms\n" + e + "\n" + e +
+                             "/id = \"a1\"\n" + e + "/state\n" + e + "/state/severity\n");
+}
+
+TEST(Alarms, GetConfigIsNotWalkedAndAnEditAddsNothing) {
+    for (uint32_t kind : {KIND_GET_CONFIG, KIND_EDIT_A}) {
+        Request r(kind);
+        EXPECT_EQ(r.run(kSystem, oc("<id>a1</id><state><text>x</text></state>")), YFW_SUCCESS);
+        EXPECT_EQ(r.paths(), "") << kind;
+        r.expect_state_restored();
+    }
+}
+
+TEST(Alarms, TheAugmentWalkerKnowsItsTwoLeavesAndRefusesOthersInAnEdit) {
+    const std::string failure = "<equipment-failure xmlns=\"http://openconfig.net/yang/alarms\">"
+                                "true</equipment-failure>";
+    const std::string other = "<flapping xmlns=\"http://openconfig.net/yang/alarms\">true</flapping>";
+    Request read(KIND_GET);
+    EXPECT_EQ(read.run(kAlarmsAugment, failure), YFW_SUCCESS);
+    EXPECT_EQ(read.run(kAlarmsAugment, other), YFW_SUCCESS);
+    EXPECT_EQ(read.paths(), "");
+    Request edit(KIND_EDIT_A);
+    EXPECT_EQ(edit.run(kAlarmsAugment, failure), YFW_SUCCESS);
+    EXPECT_EQ(edit.run(kAlarmsAugment, other), YFW_ERR_UNSUPPORTED_TAG);
+    EXPECT_EQ(edit.error_tag(), "flapping");
+}
+
+} // namespace

@@ -1,0 +1,99 @@
+// Banners: a leaf in one model against a list entry keyed by banner-name.
+#include "harness.hpp"
+#include "ymap_ocsystem_modules.h"
+
+namespace {
+
+using test::Request;
+
+constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
+constexpr auto kBanners = &ymap_qo_ocsystem_tarvexqvinfrainfracfg_lvla_banners;
+constexpr auto kOcSystemOper = &ymap_qo_ocsystem_tarvexqvprivateocsystemoper_lvla_ocsystem;
+
+std::string config(std::string_view body, std::string_view attrs = "") {
+    return "<system xmlns=\"http://openconfig.net/yang/system\" "
+           "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><config" +
+           std::string(attrs) + ">" + std::string(body) + "</config></system>";
+}
+
+std::string banners(std::string_view entries) {
+    return "<banners xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-infra-infra-cfg\">" +
+           std::string(entries) + "</banners>";
+}
+
+std::string entry(std::string_view name, std::string_view text) {
+    return "<banner><banner-name>" + std::string(name) + "</banner-name><banner-text>" +
+           std::string(text) + "</banner-text></banner>";
+}
+
+const std::string kList = "/Tarvex-QV-infra-infra-cfg:banners";
+std::string in_entry(std::string_view name) {
+    return kList + "/banner[banner-name='" + std::string(name) + "']";
+}
+
+TEST(Banners, ReadSelectsTheTextOfEveryBannerWithoutAKey) {
+    Request r(KIND_GET_CONFIG);
+    ASSERT_EQ(r.run(kSystem, config("<login-banner/>")), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), kList + "\n" + kList + "/banner\n" + kList + "/banner/banner-text\n");
+}
+
+TEST(Banners, EditWritesTheEntryWithItsKey) {
+    Request r(KIND_EDIT_A);
+    ASSERT_EQ(r.run(kSystem, config("<login-banner>Welcome</login-banner><motd-banner/>",
+                                    " nc:operation=\"merge\"")),
+              YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), kList + "\n" + in_entry("login") + "\n" + in_entry("login") +
+                             "/banner-name = \"login\"\n" + in_entry("login") +
+                             "/banner-text = \"Welcome\" @merge\n" + in_entry("motd") + "\n" +
+                             in_entry("motd") + "/banner-name = \"motd\"\n" + in_entry("motd") +
+                             "/banner-text = \"\" @merge\n");
+    r.expect_state_restored();
+}
+
+TEST(Banners, DeleteOfTheLoginBannerNamesTheEntryAndItsText) {
+    Request r(KIND_EDIT_A);
+    ASSERT_EQ(r.run(kSystem, config("<login-banner nc:operation=\"delete\"/>")), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), kList + "\n" + in_entry("login") + " @delete\n" + in_entry("login") +
+                             "/banner-name = \"login\" @delete\n" + in_entry("login") +
+                             "/banner-text = \"login\" @delete\n");
+}
+
+TEST(Banners, EntriesLandOnLoginWhenTheNameBeginsWithLoginAndOnMotdOtherwise) {
+    Request r(KIND_GET_CONFIG);
+    ASSERT_EQ(r.run(kBanners, banners(entry("login", "hello") + entry("motd", "today") +
+                                      entry("exec", "run") + entry("login-2", "again"))),
+              YFW_SUCCESS);
+    // The last entry written to a leaf wins.
+    EXPECT_EQ(r.paths(), "/openconfig-system:system\n/openconfig-system:system/config\n"
+                         "/openconfig-system:system/config/login-banner = \"again\"\n"
+                         "/openconfig-system:system/config/motd-banner = \"run\"\n");
+    r.expect_state_restored();
+}
+
+TEST(Banners, AnEmptyTextPassesUnchangedForAnyRead) {
+    Request r(KIND_GET, /*oper_only=*/true);
+    // JSON, since an empty XML element of a read is a selection node.
+    ASSERT_EQ(r.run(kBanners, R"({"tag": "banners", "module": "Tarvex-QV-infra-infra-cfg",
+        "children": [{"tag": "banner", "children": [{"tag": "banner-name", "value": "motd"},
+                                                   {"tag": "banner-text", "value": ""}]}]})"),
+              YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), "/openconfig-system:system\n/openconfig-system:system/config\n"
+                         "/openconfig-system:system/config/motd-banner = \"\"\n");
+}
+
+TEST(Banners, StateLeavesComeFromThePrivateModuleInGetOnly) {
+    const std::string oper = "<ocsystem xmlns=\"http://tarvex.local/ns/yang/"
+                             "Tarvex-QV-PRIVATE-oc-system-oper\"><system><state>"
+                             "<login-banner>hi</login-banner><motd-banner>news</motd-banner>"
+                             "</state></system></ocsystem>";
+    Request get(KIND_GET);
+    ASSERT_EQ(get.run(kOcSystemOper, oper), YFW_SUCCESS);
+    EXPECT_EQ(get.paths(), "/openconfig-system:system\n/openconfig-system:system/state\n"
+                           "/openconfig-system:system/state/login-banner = \"hi\"\n"
+                           "/openconfig-system:system/state/motd-banner = \"news\"\n");
+    Request get_config(KIND_GET_CONFIG);
+    ASSERT_EQ(get_config.run(kOcSystemOper, oper), YFW_SUCCESS);
+    EXPECT_EQ(get_config.paths(), "");
+}
+
+} // namespace

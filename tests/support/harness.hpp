@@ -1,0 +1,77 @@
+// A request in a few lines: a session of the stand-in framework, input trees
+// written as XML, the output read back as `paths` text.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+
+#include "ocsysmap_io.hpp"
+#include "yfw/standin.hpp"
+#include "yfw_map.h"
+
+namespace test {
+
+inline constexpr const char kOc[] = "http://openconfig.net/yang/system";
+inline constexpr const char kNc[] = "urn:ietf:params:xml:ns:netconf:base:1.0";
+inline std::string native_ns(std::string_view module) {
+    return "http://tarvex.local/ns/yang/" + std::string(module);
+}
+
+class Request {
+public:
+    explicit Request(uint32_t kind, bool oper_only = false) : session_(kind, oper_only) {}
+
+    // One input root from XML.
+    tidl_yfw_datatree *input(std::string_view xml) {
+        auto roots = ocsysmap::parse_input(session_.arena(), xml,
+                                           yfw_map_is_read_kind(session_.request()->request_kind));
+        EXPECT_EQ(roots.size(), 1u);
+        session_.note_input(roots.front());
+        return roots.front();
+    }
+
+    // Walks `xml` with `walker` and returns its status.
+    cerrno run(yfw_map_walker_fn walker, std::string_view xml) {
+        return walker(ctx(), input(xml), session_.output());
+    }
+
+    std::string paths() const { return ocsysmap::to_paths(*output()); }
+    const tidl_yfw_datatree *output() const {
+        return const_cast<yfw::Session &>(session_).output();
+    }
+
+    yfw_map_ctx *ctx() { return session_.ctx(); }
+    yfw_map_state *state() { return session_.state(); }
+    yfw::Session &session() { return session_; }
+    std::string error_tag() { return state()->error_tag != nullptr ? state()->error_tag : ""; }
+    const std::string &error_path() const { return session_.error_path(); }
+
+    // What every walker returns to its prior value, on every path. The xpath
+    // error bit and the filter bits have lifetimes of their own.
+    void expect_state_restored() {
+        const yfw_map_state *st = state();
+        EXPECT_EQ(st->walk_all, 0u);
+        EXPECT_EQ(st->walk_suppress, 0u);
+        EXPECT_EQ(st->state_flags & ~YFW_MAP_STATE_XPATH_ERROR, 0u);
+        EXPECT_EQ(st->replace_active, 0u);
+        EXPECT_EQ(st->output_list_count, 0u);
+        EXPECT_EQ(ctx()->list_index, 0);
+        EXPECT_EQ(session_.hierarchy_depth(), 0u);
+        EXPECT_EQ(session_.itree_depth(), 0u);
+    }
+
+private:
+    yfw::Session session_;
+};
+
+// Lines of `text` that contain `needle`.
+inline int count_lines(const std::vector<std::string> &lines, std::string_view needle) {
+    int n = 0;
+    for (const auto &l : lines)
+        n += l.find(needle) != std::string::npos ? 1 : 0;
+    return n;
+}
+
+} // namespace test
