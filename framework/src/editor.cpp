@@ -1,0 +1,408 @@
+#include "editor.hpp"
+
+#include <algorithm>
+#include <cstring>
+
+namespace yfw::detail {
+namespace {
+
+// Below this many children a scan beats keeping an index.
+constexpr uint32_t kIndexedWidth = 16;
+
+uint32_t position(const tidl_yfw_datatree *parent, const tidl_yfw_datatree *node) {
+    return static_cast<uint32_t>(node - parent->subtrees);
+}
+
+std::string tag_value_key(std::string_view tag, std::string_view value) {
+    std::string key(tag);
+    key += '\0';
+    key += value;
+    return key;
+}
+
+// Key tuples are length-prefixed so that no value can fake a separator.
+void append_key(std::string &tuple, std::string_view value) {
+    tuple.append(std::to_string(value.size())).append(":").append(value);
+}
+
+bool has_tag(const tidl_yfw_datatree &node, std::string_view tag) {
+    return node.tag != nullptr && tag == node.tag;
+}
+
+// The array of `parent` with its tag index, when it is wide enough to want one.
+Block *indexed_block(const tidl_yfw_datatree *parent) {
+    auto kids = children(parent);
+    if (kids.size() < kIndexedWidth)
+        return nullptr;
+    Block *block = block_starting_at(kids.data());
+    if (block == nullptr || block->tag_indexed())
+        return block;
+    Lookups &lookups = block->lookup();
+    for (uint32_t i = 0; i < kids.size(); ++i) {
+        if (kids[i].tag == nullptr)
+            continue;
+        lookups.first_by_tag.try_emplace(kids[i].tag, i);
+        if (kids[i].value != nullptr)
+            lookups.by_tag_value.try_emplace(tag_value_key(kids[i].tag, kids[i].value), i);
+    }
+    lookups.tag_index_built = true;
+    return block;
+}
+
+std::size_t count_tag(const tidl_yfw_datatree *parent, std::string_view tag) {
+    auto kids = children(parent);
+    return static_cast<std::size_t>(
+        std::ranges::count_if(kids, [tag](const auto &kid) { return has_tag(kid, tag); }));
+}
+
+} // namespace
+
+bool EntryKeys::any() const {
+    return std::ranges::any_of(values, [](const char *v) { return v != nullptr; });
+}
+
+Editor::Editor(Arena::Impl &home, const char *ns) : home_(home), ns_(ns) {}
+
+Arena::Impl &Editor::arena_for(const tidl_yfw_datatree *node) {
+    Arena::Impl *arena = arena_of(node);
+    return arena != nullptr ? *arena : home_;
+}
+
+tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view tag,
+                                     const char *ns, const char *value) {
+    tidl_yfw_datatree *child = append_child(parent, home_, false);
+    Arena::Impl &texts = arena_for(child);
+    child->tag = intern(texts, tag);
+    child->namespace_ = ns != nullptr ? intern(texts, ns) : nullptr;
+    if (value != nullptr) {
+        child->value = intern(texts, value);
+        child->present_value = 1;
+    }
+    if (Block *block = block_starting_at(parent->subtrees); block && block->tag_indexed()) {
+        block->lookups->first_by_tag.try_emplace(child->tag, position(parent, child));
+        if (value != nullptr)
+            block->lookups->by_tag_value.try_emplace(tag_value_key(tag, value),
+                                                     position(parent, child));
+    }
+    return child;
+}
+
+tidl_yfw_datatree *Editor::move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node) {
+    tidl_yfw_datatree *slot = new_child(parent, text_of(node.tag), node.namespace_, node.value);
+    *slot = node;
+    Block *block = block_starting_at(parent->subtrees);
+    fix_parents(*block, position(parent, slot), position(parent, slot) + 1);
+    return slot;
+}
+
+tidl_yfw_datatree *Editor::find_child(tidl_yfw_datatree *parent, std::string_view tag) {
+    if (Block *block = indexed_block(parent)) {
+        auto &first = block->lookups->first_by_tag;
+        auto it = first.find(tag);
+        return it == first.end() ? nullptr : &parent->subtrees[it->second];
+    }
+    auto kids = children(parent);
+    auto it = std::ranges::find_if(kids, [tag](const auto &kid) { return has_tag(kid, tag); });
+    return it == kids.end() ? nullptr : &*it;
+}
+
+tidl_yfw_datatree *Editor::find_child(tidl_yfw_datatree *parent, std::string_view tag,
+                                      std::string_view value) {
+    if (Block *block = indexed_block(parent)) {
+        auto &valued = block->lookups->by_tag_value;
+        auto it = valued.find(tag_value_key(tag, value));
+        return it == valued.end() ? nullptr : &parent->subtrees[it->second];
+    }
+    auto kids = children(parent);
+    auto it = std::ranges::find_if(kids, [tag, value](const auto &kid) {
+        return has_tag(kid, tag) && kid.value != nullptr && value == kid.value;
+    });
+    return it == kids.end() ? nullptr : &*it;
+}
+
+void Editor::set_value(tidl_yfw_datatree *parent, tidl_yfw_datatree *node, const char *value) {
+    if (node->value != nullptr && std::strcmp(node->value, value) == 0) {
+        node->present_value = 1;
+        return;
+    }
+    Block *block = parent != nullptr ? block_starting_at(parent->subtrees) : nullptr;
+    auto *valued = block != nullptr && block->tag_indexed() && node->tag != nullptr
+                       ? &block->lookups->by_tag_value
+                       : nullptr;
+    if (valued != nullptr && node->value != nullptr) {
+        auto it = valued->find(tag_value_key(node->tag, node->value));
+        if (it != valued->end() && it->second == position(parent, node))
+            valued->erase(it);
+    }
+    node->value = intern(arena_for(node), value);
+    node->present_value = 1;
+    if (valued != nullptr)
+        valued->try_emplace(tag_value_key(node->tag, value), position(parent, node));
+}
+
+ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
+                              std::span<const std::string_view> keys) {
+    Block *block = own_children(parent, home_);
+    if (block == nullptr)
+        return nullptr;
+    auto [it, fresh] = block->lookup().lists.try_emplace(std::string(tag));
+    ListState &list = it->second;
+    if (fresh) {
+        // First use here (or the array was touched by a host): the last entry is current.
+        auto kids = children(parent);
+        for (uint32_t i = 0; i < kids.size(); ++i) {
+            if (!has_tag(kids[i], tag))
+                continue;
+            list.current = i;
+            if (auto tuple = key_tuple(&kids[i], keys))
+                list.by_key.try_emplace(std::move(*tuple), i);
+        }
+    } else if (list.current != kNone && (list.current >= parent->subtree_count ||
+                                         !has_tag(parent->subtrees[list.current], tag))) {
+        list.current = kNone;
+    }
+    return &list;
+}
+
+std::optional<std::string> Editor::key_tuple(tidl_yfw_datatree *entry,
+                                             std::span<const std::string_view> keys) {
+    std::string tuple;
+    for (std::string_view key : keys) {
+        const tidl_yfw_datatree *leaf = find_child(entry, key);
+        if (leaf == nullptr || leaf->value == nullptr)
+            return std::nullopt;
+        append_key(tuple, leaf->value);
+    }
+    return tuple;
+}
+
+uint32_t Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                               std::span<const std::string_view> keys, bool fresh) {
+    if (ListState *list = list_state(parent, tag, keys); list && list->current != kNone) {
+        if (!fresh || !key_tuple(&parent->subtrees[list->current], keys))
+            return list->current;
+    }
+    const uint32_t made = position(parent, new_child(parent, tag, ns_, nullptr));
+    list_state(parent, tag, keys)->current = made;
+    return made;
+}
+
+uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
+                                 const EntryKeys &wanted) {
+    const std::span<const std::string_view> names = wanted.names;
+    ListState *list = list_state(parent, tag, names);
+    uint32_t found = kNone;
+    if (list != nullptr && std::ranges::none_of(wanted.values, [](auto v) { return !v; })) {
+        std::string tuple;
+        for (const char *value : wanted.values)
+            append_key(tuple, value);
+        if (auto it = list->by_key.find(tuple); it != list->by_key.end())
+            found = it->second;
+    } else if (list != nullptr) {
+        auto kids = children(parent);
+        for (uint32_t i = 0; i < kids.size() && found == kNone; ++i) {
+            bool match = has_tag(kids[i], tag);
+            for (std::size_t k = 0; match && k < names.size(); ++k) {
+                const tidl_yfw_datatree *leaf = find_child(&kids[i], names[k]);
+                match = wanted.values[k] == nullptr ||
+                        (leaf != nullptr && same_text(leaf->value, wanted.values[k]));
+            }
+            if (match)
+                found = i;
+        }
+    }
+    if (found == kNone) {
+        tidl_yfw_datatree *entry = new_child(parent, tag, ns_, nullptr);
+        found = position(parent, entry);
+        for (std::size_t k = 0; k < names.size(); ++k)
+            if (wanted.values[k] != nullptr)
+                new_child(&parent->subtrees[found], names[k], ns_, wanted.values[k]);
+        list = list_state(parent, tag, names);
+        if (auto tuple = key_tuple(&parent->subtrees[found], names))
+            list->by_key.try_emplace(std::move(*tuple), found);
+    }
+    list->current = found;
+    return found;
+}
+
+Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
+                       std::string_view schema, std::span<const std::string_view> keys,
+                       std::string_view key, const char *value) {
+    ListState &list = *list_state(parent, list_tag, keys); // first: it may move the array
+    tidl_yfw_datatree *node = &parent->subtrees[entry];
+    tidl_yfw_datatree *leaf = find_child(node, key);
+    if (value == nullptr) {
+        // Names the key without setting it: the entry stays as it is.
+        return {leaf != nullptr ? leaf : new_child(node, key, ns_, nullptr), node};
+    }
+    const bool was_complete = key_tuple(node, keys).has_value();
+    if (was_complete && same_text(leaf->value, value))
+        return {leaf, node};
+    if (was_complete) {
+        // Another value for a complete key is another entry, with the other keys kept.
+        std::vector<tidl_yfw_datatree> kept;
+        for (std::string_view other : keys)
+            if (other != key)
+                kept.push_back(*find_child(node, other));
+        entry = position(parent, new_child(parent, list_tag, ns_, nullptr));
+        node = &parent->subtrees[entry];
+        for (const tidl_yfw_datatree &other : kept)
+            new_child(node, text_of(other.tag), other.namespace_, other.value);
+        leaf = new_child(node, key, ns_, value);
+    } else if (leaf == nullptr) {
+        leaf = new_child(node, key, ns_, value);
+    } else {
+        set_value(node, leaf, value);
+    }
+    list.current = entry;
+    auto tuple = key_tuple(node, keys);
+    if (!tuple)
+        return {leaf, node};
+    auto [it, inserted] = list.by_key.try_emplace(std::move(*tuple), entry);
+    if (inserted || it->second == entry)
+        return {leaf, node};
+
+    // The keys now equal those of an earlier entry: that entry takes this one in.
+    uint32_t kept_entry = it->second;
+    std::string entry_schema(schema);
+    merge_children(&parent->subtrees[kept_entry], node, entry_schema);
+    if (node->present_operation)
+        yfw_dt_set_operation(&parent->subtrees[kept_entry], node->operation);
+    remove_child(parent, entry);
+    if (kept_entry > entry)
+        --kept_entry;
+    list.current = kept_entry;
+    node = &parent->subtrees[kept_entry];
+    return {find_child(node, key), node};
+}
+
+tidl_yfw_datatree *Editor::merge_target(tidl_yfw_datatree *into, tidl_yfw_datatree *from,
+                                        const tidl_yfw_datatree &child) {
+    const std::string_view tag = child.tag;
+    if (child.value == nullptr)
+        return find_child(into, tag);
+    if (tidl_yfw_datatree *same = find_child(into, tag, child.value))
+        return same;
+    // One leaf on each side is a leaf whose value changes; more are leaf-list values.
+    if (count_tag(into, tag) == 1 && count_tag(from, tag) == 1)
+        return find_child(into, tag);
+    return nullptr;
+}
+
+void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, std::string &schema) {
+    const std::size_t schema_length = schema.size();
+    for (tidl_yfw_datatree &child : children(from)) {
+        if (child.tag == nullptr) {
+            move_child(into, child);
+            continue;
+        }
+        schema.append("/").append(child.tag);
+        const auto keys = list_keys(schema);
+        tidl_yfw_datatree *target = nullptr;
+        if (!keys.empty()) {
+            auto tuple = key_tuple(&child, keys);
+            if (ListState *list = tuple ? list_state(into, child.tag, keys) : nullptr) {
+                if (auto it = list->by_key.find(*tuple); it != list->by_key.end())
+                    target = &into->subtrees[it->second];
+            }
+            if (target == nullptr) {
+                const uint32_t moved = position(into, move_child(into, child));
+                if (tuple)
+                    list_state(into, child.tag, keys)->by_key.try_emplace(std::move(*tuple), moved);
+            }
+        } else if ((target = merge_target(into, from, child)) == nullptr) {
+            move_child(into, child);
+        }
+        if (target != nullptr) {
+            if (child.value != nullptr)
+                set_value(into, target, child.value);
+            if (child.present_operation)
+                yfw_dt_set_operation(target, child.operation);
+            merge_children(target, &child, schema);
+        }
+        schema.resize(schema_length);
+    }
+    release_children(from);
+}
+
+Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
+                   const char *value, bool list_entry) {
+    const bool by_schema = tree->tag == nullptr;
+    std::string schema;
+    Placed at{tree, nullptr};
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        const std::string_view segment = segments[i];
+        const bool last = i + 1 == segments.size();
+        const std::size_t parent_length = schema.size();
+        schema.append("/").append(segment);
+        if (by_schema) {
+            if (auto keys = list_keys(schema); !keys.empty()) {
+                const uint32_t entry = current_entry(at.node, segment, keys, last && list_entry);
+                at = {&at.node->subtrees[entry], at.node};
+                continue;
+            }
+            const std::string_view entry_schema = std::string_view(schema).substr(0, parent_length);
+            if (auto keys = list_keys(entry_schema);
+                last && at.parent != nullptr && std::ranges::find(keys, segment) != keys.end()) {
+                return set_key(at.parent, position(at.parent, at.node), segments[i - 1],
+                               entry_schema, keys, segment, value);
+            }
+        }
+        tidl_yfw_datatree *next = nullptr;
+        if (last && list_entry && value != nullptr) {
+            // A leaf-list value: one sibling per distinct value.
+            next = find_child(at.node, segment, value);
+            if (next == nullptr)
+                next = new_child(at.node, segment, ns_, value);
+        } else if ((next = find_child(at.node, segment)) == nullptr) {
+            next = new_child(at.node, segment, ns_, nullptr);
+        }
+        at = {next, at.node};
+    }
+    if (value != nullptr)
+        set_value(at.parent, at.node, value);
+    return at;
+}
+
+tidl_yfw_datatree *Editor::find(tidl_yfw_datatree *tree,
+                                std::span<const std::string_view> segments) {
+    const bool by_schema = tree->tag == nullptr;
+    std::string schema;
+    tidl_yfw_datatree *node = tree;
+    for (std::string_view segment : segments) {
+        schema.append("/").append(segment);
+        auto keys = by_schema ? list_keys(schema) : std::span<const std::string_view>();
+        if (keys.empty()) {
+            node = find_child(node, segment);
+        } else {
+            ListState *list = list_state(node, segment, keys);
+            node = list == nullptr || list->current == kNone ? nullptr
+                                                             : &node->subtrees[list->current];
+        }
+        if (node == nullptr)
+            return nullptr;
+    }
+    return node;
+}
+
+Placed Editor::place(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
+                     std::span<const EntryKeys *const> wanted) {
+    std::string schema;
+    Placed at{tree, nullptr};
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        const std::string_view segment = segments[i];
+        schema.append("/").append(segment);
+        auto keys = tree->tag == nullptr ? list_keys(schema) : std::span<const std::string_view>();
+        uint32_t entry = kNone;
+        if (i < wanted.size() && wanted[i] != nullptr && wanted[i]->any())
+            entry = entry_with_keys(at.node, segment, *wanted[i]);
+        else if (!keys.empty())
+            entry = current_entry(at.node, segment, keys, false);
+        tidl_yfw_datatree *next =
+            entry != kNone ? &at.node->subtrees[entry] : find_child(at.node, segment);
+        at = {next != nullptr ? next : new_child(at.node, segment, ns_, nullptr), at.node};
+    }
+    return at;
+}
+
+} // namespace yfw::detail

@@ -1,0 +1,73 @@
+// Path resolution in output trees: list entries by the schema registry,
+// current entries, key completion and merging of duplicate entries.
+#pragma once
+
+#include "internal.hpp"
+
+namespace yfw::detail {
+
+// A node and the node that holds it, valid until the next edit.
+struct Placed {
+    tidl_yfw_datatree *node = nullptr;
+    tidl_yfw_datatree *parent = nullptr;
+};
+
+// Key values wanted for one list entry: `names[i]` has `values[i]` (null: any).
+struct EntryKeys {
+    std::vector<std::string_view> names;
+    std::vector<const char *> values;
+    bool any() const;
+};
+
+class Editor {
+public:
+    // `home` takes arrays that belong to no arena yet; `ns` names created nodes.
+    Editor(Arena::Impl &home, const char *ns);
+
+    // The add of yfw_map_datatree_add_path_flagged. A tree without a tag is a
+    // document root and resolves lists by the schema; any other node takes
+    // the segments as plain children.
+    Placed add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
+               const char *value, bool list_entry);
+
+    // The node at the path, creating nothing; null when missing.
+    tidl_yfw_datatree *find(tidl_yfw_datatree *tree, std::span<const std::string_view> segments);
+
+    // Resolves the path, creating what is missing. Segment i goes to the entry
+    // with the keys `wanted[i]` (found or made) when that has a value, else a
+    // list segment goes to the current entry. The entries reached become current.
+    Placed place(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
+                 std::span<const EntryKeys *const> wanted);
+
+    // Texts of a node live in the arena of its array.
+    Arena::Impl &arena_for(const tidl_yfw_datatree *node);
+
+private:
+    tidl_yfw_datatree *new_child(tidl_yfw_datatree *parent, std::string_view tag, const char *ns,
+                                 const char *value);
+    tidl_yfw_datatree *move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node);
+    tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag);
+    tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag,
+                                  std::string_view value);
+    void set_value(tidl_yfw_datatree *parent, tidl_yfw_datatree *node, const char *value);
+
+    ListState *list_state(tidl_yfw_datatree *parent, std::string_view tag,
+                          std::span<const std::string_view> keys);
+    std::optional<std::string> key_tuple(tidl_yfw_datatree *entry,
+                                         std::span<const std::string_view> keys);
+    uint32_t current_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                           std::span<const std::string_view> keys, bool fresh);
+    uint32_t entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
+                             const EntryKeys &wanted);
+    Placed set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
+                   std::string_view schema, std::span<const std::string_view> keys,
+                   std::string_view key, const char *value);
+    void merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, std::string &schema);
+    tidl_yfw_datatree *merge_target(tidl_yfw_datatree *into, tidl_yfw_datatree *from,
+                                    const tidl_yfw_datatree &child);
+
+    Arena::Impl &home_;
+    const char *ns_;
+};
+
+} // namespace yfw::detail

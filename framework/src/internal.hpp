@@ -1,0 +1,185 @@
+// Internals of the stand-in framework shared by its sources: node arrays and
+// their process-wide index, path splitting, and the per-request bookkeeping
+// behind yfw_map_ctx::session.
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <map>
+#include <memory>
+#include <memory_resource>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "yfw/standin.hpp"
+#include "yfw_map.h"
+
+namespace yfw::detail {
+
+inline constexpr uint32_t kNone = UINT32_MAX;
+inline constexpr std::size_t kNoDepth = SIZE_MAX;
+
+// Heterogeneous lookup: maps keyed by std::string, searched with string_view.
+struct TextHash {
+    using is_transparent = void;
+    std::size_t operator()(std::string_view s) const noexcept {
+        return std::hash<std::string_view>{}(s);
+    }
+};
+template <typename V> using TextMap = std::unordered_map<std::string, V, TextHash, std::equal_to<>>;
+
+[[noreturn]] void fail_assert(const char *what);
+// The context is asserted, as the real framework does.
+inline yfw_map_ctx &checked(yfw_map_ctx *ctx) {
+    if (ctx == nullptr)
+        fail_assert("NULL != ctx");
+    return *ctx;
+}
+
+inline std::string_view text_of(const char *s) {
+    return s != nullptr ? std::string_view(s) : std::string_view();
+}
+inline bool same_text(const char *a, const char *b) {
+    return a != nullptr && b != nullptr && std::string_view(a) == std::string_view(b);
+}
+
+// ---- Paths -----------------------------------------------------------------
+
+// The segments of "/a:b/c", module prefixes stripped and empty segments skipped.
+std::vector<std::string_view> split_path(std::string_view path);
+// "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
+std::string normalize_path(std::string_view path);
+
+// ---- Node arrays -----------------------------------------------------------
+
+// Where a list's current entry is and which complete key tuples it holds.
+struct ListState {
+    uint32_t current = kNone;
+    TextMap<uint32_t> by_key;
+};
+
+// Lookup state of the children of one array, kept as positions by the
+// framework's own edits and dropped when a host appends on its own.
+struct Lookups {
+    TextMap<ListState> lists; // by list tag
+    bool tag_index_built = false;
+    TextMap<uint32_t> first_by_tag;
+    TextMap<uint32_t> by_tag_value;
+};
+
+// One children array owned by an arena. Its header stays put when the array
+// moves, so the lookup state of the children can hang here.
+struct Block {
+    std::unique_ptr<tidl_yfw_datatree[]> nodes;
+    uint32_t capacity = 0;
+    const tidl_yfw_datatree *parent = nullptr; // null for a root
+    Arena::Impl *arena = nullptr;
+    std::unique_ptr<Lookups> lookups; // most arrays never need one
+
+    Lookups &lookup() {
+        if (!lookups)
+            lookups = std::make_unique<Lookups>();
+        return *lookups;
+    }
+    bool tag_indexed() const { return lookups && lookups->tag_index_built; }
+    void forget_lookups() { lookups.reset(); }
+};
+
+// The process-wide index from array address to its block (for parent_of).
+Block *block_starting_at(const tidl_yfw_datatree *array);
+Block *block_containing(const tidl_yfw_datatree *node);
+
+// The node's children; a malformed pair (present, null array, count) reads as none.
+std::span<tidl_yfw_datatree> children(const tidl_yfw_datatree *node);
+// The first child with this tag, or null.
+const tidl_yfw_datatree *child_with_tag(const tidl_yfw_datatree *node, std::string_view tag);
+
+// Appends a zeroed child to `parent`, growing (or first copying) its array.
+// `home` takes the array when the parent's array is in no arena. `external`
+// appends come from hosts and drop the lookup state of the array.
+tidl_yfw_datatree *append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external);
+// Removes child `pos` of `parent` (an arena array), shifting the later ones.
+void remove_child(tidl_yfw_datatree *parent, uint32_t pos);
+// Frees the children array of `node` (not the arrays below it) and clears the node's children.
+void release_children(tidl_yfw_datatree *node);
+// Makes sure the children of `parent` sit in an arena block, and returns it (null when none).
+Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home);
+// After nodes were copied into slots [from, to) of `block`: their arrays get the new parent.
+void fix_parents(Block &block, uint32_t from, uint32_t to);
+
+char *intern(Arena::Impl &arena, std::string_view text);
+// The arena that holds `node` in one of its arrays, or null.
+Arena::Impl *arena_of(const tidl_yfw_datatree *node);
+
+} // namespace yfw::detail
+
+// ---- The bookkeeping of one request ------------------------------------------
+
+struct DebugSink {
+    static constexpr uint32_t kMagic = 0x59444247u;
+    uint32_t magic = kMagic;
+    std::vector<std::string> *lines = nullptr;
+};
+
+struct RingTrace {
+    static constexpr uint32_t kMagic = 0x5952494eu;
+    static constexpr std::size_t kLines = 4096;
+    uint32_t magic = kMagic;
+    std::vector<std::string> slots;
+    std::size_t next = 0;
+    mutable std::vector<std::string> ordered;
+    void append(std::string_view line);
+    const std::vector<std::string> &lines() const;
+};
+
+struct HierarchyFrame {
+    const tidl_yfw_datatree *node;
+    uint32_t kind;
+    uint64_t serial; // tells a frame from a later push of the same node
+};
+
+struct OutputListFrame {
+    const tidl_yfw_datatree *entry;
+};
+
+struct yfw_map_session {
+    yfw_map_ctx ctx{};
+    yfw_map_state state{};
+    yfw_request request{};
+    yfw::Arena arena;
+    tidl_yfw_datatree *output = nullptr;
+    yfw::Arena::Impl *home = nullptr; // the arena behind `arena`, found through `output`
+
+    std::vector<std::string> debug_log;
+    DebugSink err_sink;
+    DebugSink trace_sink;
+    RingTrace ring;
+
+    std::vector<HierarchyFrame> hierarchy;
+    uint64_t next_serial = 1;
+    struct CurrentRecord {
+        std::size_t depth;
+        uint64_t serial;
+    };
+    yfw::detail::TextMap<CurrentRecord> current_lists;
+
+    std::deque<yfw_map_itree_entry> itree;
+    std::vector<OutputListFrame> output_lists;
+    std::string error_path;
+
+    // The tag path of the hierarchy up to frame `depth` (inclusive).
+    std::string hierarchy_path(std::size_t depth) const;
+    // The depth of `node` on the hierarchy, innermost first; kNone when absent.
+    std::size_t depth_of(const tidl_yfw_datatree *node) const;
+};
+
+namespace yfw {
+struct Session::Impl : yfw_map_session {};
+} // namespace yfw

@@ -1,0 +1,94 @@
+// Platform services: an in-memory system database and the address functions.
+#include <arpa/inet.h>
+#include <cerrno>
+#include <cstring>
+#include <netdb.h>
+
+#include "internal.hpp"
+#include "qv_platform.h"
+
+struct sysdb_connection {
+    std::string bind_point;
+};
+
+namespace {
+
+struct SysdbStore {
+    std::map<std::string, std::string, std::less<>> items;
+    bool bind_fails = false;
+};
+
+SysdbStore &store() {
+    static SysdbStore db;
+    return db;
+}
+
+} // namespace
+
+namespace yfw::sysdb {
+void set_item(std::string_view key, std::string_view value) {
+    store().items.insert_or_assign(std::string(key), std::string(value));
+}
+void erase_item(std::string_view key) {
+    if (auto it = store().items.find(key); it != store().items.end())
+        store().items.erase(it);
+}
+void clear() {
+    store().items.clear();
+    store().bind_fails = false;
+}
+void set_bind_fails(bool fails) {
+    store().bind_fails = fails;
+}
+} // namespace yfw::sysdb
+
+extern "C" {
+
+int _sysdb_bind(sysdb_connection **connection, const char *bind_point, uint32_t flags) {
+    (void)flags;
+    if (connection == nullptr || bind_point == nullptr)
+        return EINVAL;
+    if (store().bind_fails)
+        return ECONNREFUSED;
+    *connection = new sysdb_connection{bind_point};
+    return 0;
+}
+
+int sysdb_item_get(sysdb_connection *connection, const char *key, uint32_t *type_inout,
+                   void **value, uint32_t *size, uint32_t zero) {
+    (void)type_inout, (void)zero;
+    if (connection == nullptr || key == nullptr || value == nullptr || size == nullptr)
+        return EINVAL;
+    auto it = store().items.find(connection->bind_point + key);
+    if (it == store().items.end())
+        return ENOENT;
+    const std::string &text = it->second;
+    auto *copy = static_cast<char *>(std::malloc(text.size() + 1));
+    if (copy == nullptr)
+        return ENOMEM;
+    std::memcpy(copy, text.c_str(), text.size() + 1);
+    *value = copy;
+    *size = static_cast<uint32_t>(text.size());
+    return 0;
+}
+
+int _sysdb_unbind(sysdb_connection *connection) {
+    delete connection;
+    return 0;
+}
+
+int qv_inet_pton(int family, const char *text, void *out) {
+    return inet_pton(family, text, out);
+}
+
+int getaddrinfo_qv(const char *node, const char *service, const struct addrinfo *hints,
+                   struct addrinfo **result) {
+    return getaddrinfo(node, service, hints, result);
+}
+
+void freeaddrinfo_qv(struct addrinfo *result) {
+    if (result != nullptr)
+        freeaddrinfo(result);
+}
+
+} // extern "C"

@@ -1,0 +1,230 @@
+// The schema knowledge of the framework: the modules of both models and the
+// keys of every list, which is what path resolution and the error path need.
+#include <algorithm>
+#include <array>
+
+#include "internal.hpp"
+
+namespace yfw {
+namespace {
+
+#define NATIVE_MODULE(name)                                                                        \
+    Module {                                                                                       \
+        name, "http://tarvex.local/ns/yang/" name                                                  \
+    }
+
+constexpr std::array kModules = {
+    Module{"openconfig-system", "http://openconfig.net/yang/system"},
+    Module{"openconfig-system-grpc", "http://openconfig.net/yang/system-grpc"},
+    Module{"openconfig-messages", "http://openconfig.net/yang/messages"},
+    Module{"openconfig-alarms", "http://openconfig.net/yang/alarms"},
+    NATIVE_MODULE("Tarvex-QV-shellutil-cfg"),
+    NATIVE_MODULE("Tarvex-QV-infra-infra-cfg"),
+    NATIVE_MODULE("Tarvex-QV-infra-infra-clock-linux-cfg"),
+    NATIVE_MODULE("Tarvex-QV-ip-domain-cfg"),
+    NATIVE_MODULE("Tarvex-QV-ip-ntp-cfg"),
+    NATIVE_MODULE("Tarvex-QV-infra-syslog-cfg"),
+    NATIVE_MODULE("Tarvex-QV-crypto-ssh-cfg"),
+    NATIVE_MODULE("Tarvex-QV-ip-tcp-cfg"),
+    NATIVE_MODULE("Tarvex-QV-openconfig-system-terminal-ext"),
+    NATIVE_MODULE("Tarvex-QV-man-ems-cfg"),
+    NATIVE_MODULE("Tarvex-QV-aaa-lib-cfg"),
+    NATIVE_MODULE("Tarvex-QV-aaa-locald-cfg"),
+    NATIVE_MODULE("Tarvex-QV-aaa-tacacs-cfg"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-oc-system-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-oc-dns-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-ntp-telemetry-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-octelnet-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-oc-ems-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-aaa-telemetry-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-cpu-oper"),
+    NATIVE_MODULE("Tarvex-QV-PRIVATE-alarm-mgr-oc-oper"),
+};
+
+#undef NATIVE_MODULE
+
+// Registration records copy namespaces into 81 bytes.
+static_assert(std::ranges::all_of(kModules, [](const Module &m) { return m.ns.size() <= 80; }));
+static_assert(std::ranges::all_of(kModules, [](const Module &m) {
+    return !m.name.starts_with("Tarvex-QV-") ||
+           (m.ns.ends_with(m.name) &&
+            m.ns.substr(0, m.ns.size() - m.name.size()).ends_with("/ns/yang/"));
+}));
+
+struct ListRow {
+    std::string_view path;
+    std::array<std::string_view, 2> keys;
+    constexpr std::size_t key_count() const { return keys[1].empty() ? 1 : 2; }
+};
+
+// clang-format off
+constexpr std::array kLists = {
+    // openconfig-system, with the gRPC and terminal extension augments
+    ListRow{"/system/mount-points/mount-point",                                   {"name"}},
+    ListRow{"/system/dns/servers/server",                                         {"address"}},
+    ListRow{"/system/dns/host-entries/host-entry",                                {"hostname"}},
+    ListRow{"/system/ntp/ntp-keys/ntp-key",                                       {"key-id"}},
+    ListRow{"/system/ntp/servers/server",                                         {"address"}},
+    ListRow{"/system/logging/console/selectors/selector",                         {"facility", "severity"}},
+    ListRow{"/system/logging/remote-servers/remote-server",                       {"host"}},
+    ListRow{"/system/logging/remote-servers/remote-server/selectors/selector",    {"facility", "severity"}},
+    ListRow{"/system/aaa/authentication/users/user",                              {"username"}},
+    ListRow{"/system/aaa/authorization/events/event",                             {"event-type"}},
+    ListRow{"/system/aaa/accounting/events/event",                                {"event-type"}},
+    ListRow{"/system/aaa/server-groups/server-group",                             {"name"}},
+    ListRow{"/system/aaa/server-groups/server-group/servers/server",              {"address"}},
+    ListRow{"/system/cpus/cpu",                                                   {"index"}},
+    ListRow{"/system/processes/process",                                          {"pid"}},
+    ListRow{"/system/alarms/alarm",                                               {"id"}},
+    ListRow{"/system/messages/debug-entries/debug-service",                       {"service"}},
+    ListRow{"/system/license/licenses/license",                                   {"license-id"}},
+    ListRow{"/system/grpc-servers/grpc-server",                                   {"name"}},
+    ListRow{"/system/telnet-server/ipv4/vrf",                                     {"vrf-name"}},
+    ListRow{"/system/telnet-server/ipv6/vrf",                                     {"vrf-name"}},
+    // openconfig-messages
+    ListRow{"/messages/debug-entries/debug-service",                              {"service"}},
+    // Tarvex-QV-infra-infra-cfg
+    ListRow{"/banners/banner",                                                    {"banner-name"}},
+    // Tarvex-QV-ip-domain-cfg
+    ListRow{"/ip-domain/vrfs/vrf",                                                {"vrf-name"}},
+    ListRow{"/ip-domain/vrfs/vrf/lists/list",                                     {"order", "list-name"}},
+    ListRow{"/ip-domain/vrfs/vrf/servers/server",                                 {"order", "server-address"}},
+    ListRow{"/ip-domain/vrfs/vrf/ipv4-hosts/ipv4-host",                           {"host-name"}},
+    ListRow{"/ip-domain/vrfs/vrf/ipv6-hosts/ipv6-host",                           {"host-name"}},
+    // Tarvex-QV-PRIVATE-oc-dns-oper
+    ListRow{"/oc-dns/system/dns/servers/server",                                  {"address"}},
+    ListRow{"/oc-dns/system/dns/host-entries/host-entry",                         {"host-name"}},
+    // Tarvex-QV-ip-ntp-cfg
+    ListRow{"/ntp/peer-vrfs/peer-vrf",                                            {"vrf-name"}},
+    ListRow{"/ntp/peer-vrfs/peer-vrf/peer-ipv4s/peer-ipv4",                       {"address-ipv4"}},
+    ListRow{"/ntp/peer-vrfs/peer-vrf/peer-ipv6s/peer-ipv6",                       {"address-ipv6"}},
+    ListRow{"/ntp/peer-vrfs/peer-vrf/peer-ipv4s/peer-ipv4/peer-type-ipv4",        {"peer-type"}},
+    ListRow{"/ntp/peer-vrfs/peer-vrf/peer-ipv6s/peer-ipv6/peer-type-ipv6",        {"peer-type"}},
+    ListRow{"/ntp/authentication/keys/key",                                       {"key-number"}},
+    // Tarvex-QV-PRIVATE-ocsystem-ntp-telemetry-oper
+    ListRow{"/ocntp/system/ntp/servers/server",                                   {"address"}},
+    // Tarvex-QV-infra-syslog-cfg
+    ListRow{"/syslog/host-server/vrfs/vrf",                                       {"vrf-name"}},
+    ListRow{"/syslog/host-server/vrfs/vrf/hosts/host",                            {"host-name"}},
+    ListRow{"/syslog/host-server/vrfs/vrf/ipv4s/ipv4",                            {"address"}},
+    ListRow{"/syslog/host-server/vrfs/vrf/ipv6s/ipv6",                            {"address"}},
+    // Tarvex-QV-crypto-ssh-cfg
+    ListRow{"/ssh/server/vrf-table/vrf",                                          {"vrf-name"}},
+    ListRow{"/ssh/server/netconf-vrf-table/vrf",                                  {"vrf-name"}},
+    ListRow{"/ssh/server/trustpoint/usertps/usertp",                              {"tp-name"}},
+    // Tarvex-QV-ip-tcp-cfg
+    ListRow{"/ip/tinetd/services/telnet/vrfs/vrf",                                {"vrf-name"}},
+    ListRow{"/ip/tinetd/services/tftp/vrfs/vrf",                                  {"vrf-name"}},
+    // Tarvex-QV-PRIVATE-octelnet-oper
+    ListRow{"/octelnet/system/telnet-server/ipv4s/ipv4",                          {"vrf-name"}},
+    ListRow{"/octelnet/system/telnet-server/ipv6s/ipv6",                          {"vrf-name"}},
+    // Tarvex-QV-man-ems-cfg
+    ListRow{"/grpc/tunnel/destinations/destination",                              {"address", "port"}},
+    // Tarvex-QV-PRIVATE-oc-ems-oper
+    ListRow{"/oc-ems/system/grpc-servers/grpc-server",                            {"name"}},
+    // Tarvex-QV-aaa-lib-cfg
+    ListRow{"/aaa/accountings/accounting",                                        {"type", "listname"}},
+    ListRow{"/aaa/authorizations/authorization",                                  {"type", "listname"}},
+    ListRow{"/aaa/authentications/authentication",                                {"type", "listname"}},
+    ListRow{"/aaa/authorization-nacms/authorization-nacm",                        {"listname"}},
+    // Tarvex-QV-aaa-locald-cfg
+    ListRow{"/aaa/usernames/username",                                            {"ordering-index", "name"}},
+    ListRow{"/aaa/usernames/username/usergroup-under-usernames/usergroup-under-username", {"name"}},
+    ListRow{"/aaa/password-policies/password-policy",                             {"name"}},
+    ListRow{"/aaa/taskgroups/taskgroup/taskgroup-under-taskgroups/taskgroup-under-taskgroup", {"name"}},
+    ListRow{"/aaa/taskgroups/taskgroup/tasks/task",                               {"task-id"}},
+    ListRow{"/aaa/usergroups/usergroup/taskgroup-under-usergroups/taskgroup-under-usergroup", {"name"}},
+    ListRow{"/aaa/usergroups/usergroup/usergroup-under-usergroups/usergroup-under-usergroup", {"name"}},
+    // Tarvex-QV-aaa-tacacs-cfg
+    ListRow{"/aaa/server-groups/tacacs-server-groups/tacacs-server-group",        {"server-group-name"}},
+    ListRow{"/aaa/server-groups/tacacs-server-groups/tacacs-server-group/private-servers/private-server", {"ip-address", "port-number"}},
+    ListRow{"/aaa/server-groups/tacacs-server-groups/tacacs-server-group/servers/server", {"ip-address"}},
+    ListRow{"/aaa/tacacs/hosts/host",                                             {"ip-address", "port-number"}},
+    ListRow{"/aaa/tacacs/vrfs/vrf",                                               {"vrf-name"}},
+    // Tarvex-QV-PRIVATE-ocsystem-aaa-telemetry-oper
+    ListRow{"/ocaaa/system/aaa/server-groups/server-group",                       {"name"}},
+    ListRow{"/ocaaa/system/aaa/server-groups/server-group/servers/server",        {"address"}},
+    // Tarvex-QV-PRIVATE-ocsystem-cpu-oper
+    ListRow{"/ocsystemcpu/system/cpuses/cpus",                                    {"index"}},
+    // Tarvex-QV-PRIVATE-alarm-mgr-oc-oper
+    ListRow{"/amfm-edt/system/alarms/alarm",                                      {"id"}},
+};
+// clang-format on
+
+// Every add resolves each segment against this table: look up by binary search.
+constexpr auto kListOrder = [] {
+    std::array<uint16_t, kLists.size()> order{};
+    for (uint16_t i = 0; i < order.size(); ++i)
+        order[i] = i;
+    std::ranges::sort(order, {}, [](uint16_t i) { return kLists[i].path; });
+    return order;
+}();
+
+static_assert(std::ranges::adjacent_find(kListOrder, {},
+                                         [](uint16_t i) { return kLists[i].path; }) ==
+                  kListOrder.end(),
+              "a list path appears twice");
+static_assert(std::ranges::all_of(kLists, [](const ListRow &row) {
+    return row.path.starts_with('/') && !row.keys[0].empty() && row.path.find(':') == row.path.npos;
+}));
+
+std::span<const std::string_view> keys_of_normalized(std::string_view path) {
+    auto it =
+        std::ranges::lower_bound(kListOrder, path, {}, [](uint16_t i) { return kLists[i].path; });
+    if (it == kListOrder.end() || kLists[*it].path != path)
+        return {};
+    const ListRow &row = kLists[*it];
+    return {row.keys.data(), row.key_count()};
+}
+
+} // namespace
+
+std::span<const Module> modules() {
+    return kModules;
+}
+
+const Module *module_by_name(std::string_view name) {
+    auto it = std::ranges::find(kModules, name, &Module::name);
+    return it == kModules.end() ? nullptr : &*it;
+}
+
+const Module *module_by_namespace(std::string_view ns) {
+    auto it = std::ranges::find(kModules, ns, &Module::ns);
+    return it == kModules.end() ? nullptr : &*it;
+}
+
+std::span<const std::string_view> list_keys(std::string_view schema_path) {
+    // Paths built by the framework are normalized already; skip the copy for them.
+    if (schema_path.starts_with('/') && !schema_path.ends_with('/') &&
+        schema_path.find(':') == std::string_view::npos &&
+        schema_path.find("//") == std::string_view::npos)
+        return keys_of_normalized(schema_path);
+    return keys_of_normalized(detail::normalize_path(schema_path));
+}
+
+std::string describe_segment(const tidl_yfw_datatree &node, std::string_view schema_path,
+                             const char *parent_ns) {
+    std::string out;
+    if (node.namespace_ != nullptr && !detail::same_text(node.namespace_, parent_ns)) {
+        const Module *module = module_by_namespace(node.namespace_);
+        out += module != nullptr ? module->name : std::string_view(node.namespace_);
+        out += ':';
+    }
+    out += detail::text_of(node.tag);
+    for (std::string_view key : list_keys(schema_path)) {
+        auto kids = detail::children(&node);
+        auto leaf = std::ranges::find_if(kids, [key](const tidl_yfw_datatree &kid) {
+            return kid.tag != nullptr && key == kid.tag && kid.value != nullptr;
+        });
+        if (leaf == kids.end())
+            continue;
+        const std::string_view value = leaf->value;
+        const char quote = value.find('\'') == std::string_view::npos ? '\'' : '"';
+        out.append("[").append(key).append("=");
+        out.append(1, quote).append(value).append(1, quote).append("]");
+    }
+    return out;
+}
+
+} // namespace yfw

@@ -1,0 +1,104 @@
+// One mapping run as a host sets it up: context, state, request, output root
+// and sinks, and the framework's own bookkeeping behind ctx->session.
+#include "internal.hpp"
+#include "yfw_map_trace.h"
+
+std::string yfw_map_session::hierarchy_path(std::size_t depth) const {
+    std::string path;
+    for (std::size_t i = 0; i <= depth && i < hierarchy.size(); ++i) {
+        path += '/';
+        path += yfw::detail::text_of(hierarchy[i].node->tag);
+    }
+    return path;
+}
+
+std::size_t yfw_map_session::depth_of(const tidl_yfw_datatree *node) const {
+    for (std::size_t i = hierarchy.size(); i-- > 0;)
+        if (hierarchy[i].node == node)
+            return i;
+    return yfw::detail::kNoDepth;
+}
+
+namespace yfw {
+
+Session::Session(uint32_t request_kind, bool oper_only) : impl_(std::make_unique<Impl>()) {
+    Impl &s = *impl_;
+    s.request.request_kind = request_kind;
+    if (oper_only) {
+        s.request.datastore_selector = YFW_DATASTORE_OPERATIONAL;
+        s.request.option_bits.nonconfig_only = 1;
+    }
+    s.output = s.arena.new_root();
+    s.home = detail::arena_of(s.output);
+    s.state.request = &s.request;
+    s.state.root_node = s.output;
+    s.err_sink.lines = &s.debug_log;
+    s.trace_sink.lines = &s.debug_log;
+    s.ctx.state = &s.state;
+    s.ctx.err_log = &s.err_sink;
+    s.ctx.trace_log = &s.trace_sink;
+    s.ctx.lstrace_handle = &s.ring;
+    s.ctx.session = &s;
+}
+
+Session::~Session() {
+    // The framework reports these to the client after the walk, then releases them.
+    qvos_named_free(impl_->state.error_tag);
+    qvos_named_free(impl_->state.error_message);
+}
+
+yfw_map_ctx *Session::ctx() {
+    return &impl_->ctx;
+}
+yfw_map_state *Session::state() {
+    return &impl_->state;
+}
+yfw_request *Session::request() {
+    return &impl_->request;
+}
+tidl_yfw_datatree *Session::output() {
+    return impl_->output;
+}
+Arena &Session::arena() {
+    return impl_->arena;
+}
+
+void Session::note_input(tidl_yfw_datatree *root) {
+    yfw_map_state &state = impl_->state;
+    if (root == nullptr || state.node_data_count >= YFW_MAP_MAX_NODE_DATA)
+        return;
+    state.node_data[state.node_data_count++].tree = root;
+    if (state.reg_dup_datatree == nullptr)
+        state.reg_dup_datatree = root;
+}
+
+void Session::set_debug_log(bool on) {
+    constexpr uint32_t both = (1u << YFW_MAP_LEVEL_ERR) | (1u << YFW_MAP_LEVEL_TRC);
+    impl_->ctx.debug_filter.level_mask = on ? both : 0u;
+}
+
+void Session::set_ring_trace(bool on) {
+    impl_->ctx.trace_on = on ? 1u : 0u;
+}
+
+const std::vector<std::string> &Session::debug_log() const {
+    return impl_->debug_log;
+}
+const std::vector<std::string> &Session::ring_trace() const {
+    return impl_->ring.lines();
+}
+const std::string &Session::error_path() const {
+    return impl_->error_path;
+}
+
+std::size_t Session::hierarchy_depth() const {
+    return impl_->hierarchy.size();
+}
+std::size_t Session::itree_depth() const {
+    return impl_->itree.size();
+}
+std::size_t Session::output_lists_open() const {
+    return impl_->output_lists.size();
+}
+
+} // namespace yfw

@@ -1,0 +1,286 @@
+// The tree-writing operations: adds, namespaces and the two stitches.
+#include <algorithm>
+#include <cstring>
+
+#include "editor.hpp"
+
+namespace {
+
+using namespace yfw::detail;
+
+// The session behind a context; ops without one have nowhere to keep state.
+yfw_map_session *session_of(yfw_map_ctx *ctx) {
+    return checked(ctx).session;
+}
+
+// "/ocsystem", "/system/state" ...: the segments of all components in order.
+std::optional<std::vector<std::string_view>> join_components(const char *const *components,
+                                                             uint32_t count) {
+    if (components == nullptr || count == 0)
+        return std::nullopt;
+    std::vector<std::string_view> segments;
+    for (uint32_t i = 0; i < count; ++i) {
+        if (components[i] == nullptr)
+            return std::nullopt;
+        for (std::string_view segment : split_path(components[i]))
+            segments.push_back(segment);
+    }
+    if (segments.empty())
+        return std::nullopt;
+    return segments;
+}
+
+void note_add(yfw_map_session &session, tidl_yfw_datatree *tree, const Placed &at,
+              const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out) {
+    if (const int32_t op = yfw::effective_operation(source); source != nullptr && op >= 0)
+        yfw_dt_set_operation(at.node, op);
+    if (new_node_out != nullptr)
+        *new_node_out = at.node;
+    if (tree->tag == nullptr)
+        session.state.root_node = tree;
+    session.state.current_node = at.node;
+    session.state.parent_node = at.parent;
+}
+
+cerrno add_segments(yfw_map_session &session, tidl_yfw_datatree *tree,
+                    std::span<const std::string_view> segments, const char *ns, const char *value,
+                    const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out,
+                    bool list_entry) {
+    Editor editor(*session.home, ns);
+    note_add(session, tree, editor.add(tree, segments, value, list_entry), source, new_node_out);
+    return YFW_SUCCESS;
+}
+
+// The key values of an input list entry in key order: by the schema when the
+// entry is on the hierarchy, else its children marked as keys.
+std::vector<const char *> input_key_values(const yfw_map_session &session,
+                                           const tidl_yfw_datatree *entry) {
+    std::vector<const char *> values;
+    if (const std::size_t depth = session.depth_of(entry); depth != kNoDepth) {
+        for (std::string_view key : yfw::list_keys(session.hierarchy_path(depth))) {
+            const tidl_yfw_datatree *leaf = child_with_tag(entry, key);
+            values.push_back(leaf != nullptr ? leaf->value : nullptr);
+        }
+    }
+    if (std::ranges::any_of(values, [](const char *v) { return v != nullptr; }))
+        return values;
+    values.clear();
+    for (const tidl_yfw_datatree &child : children(entry))
+        if (child.present_is_key && child.is_key)
+            values.push_back(child.value);
+    return values;
+}
+
+EntryKeys entry_keys(std::span<const std::string_view> names, std::vector<const char *> values) {
+    values.resize(names.size(), nullptr);
+    return {{names.begin(), names.end()}, std::move(values)};
+}
+
+// One segment of "/a/b[k=v][k2='w']/": a tag and its predicates.
+struct PathStep {
+    std::string_view tag;
+    std::vector<std::pair<std::string_view, std::string>> predicates;
+};
+
+std::optional<std::vector<PathStep>> parse_entry_path(std::string_view path) {
+    std::vector<PathStep> steps;
+    std::size_t i = 0;
+    while (i < path.size()) {
+        if (path[i] == '/') {
+            ++i;
+            continue;
+        }
+        const std::size_t end = path.find_first_of("/[", i);
+        PathStep step{path.substr(i, end - i), {}};
+        if (const std::size_t colon = step.tag.rfind(':'); colon != std::string_view::npos)
+            step.tag.remove_prefix(colon + 1);
+        i = end == std::string_view::npos ? path.size() : end;
+        while (i < path.size() && path[i] == '[') {
+            const std::size_t eq = path.find('=', i);
+            if (eq == std::string_view::npos)
+                return std::nullopt;
+            std::string_view name = path.substr(i + 1, eq - i - 1);
+            std::size_t close;
+            std::string value;
+            if (eq + 1 < path.size() && (path[eq + 1] == '\'' || path[eq + 1] == '"')) {
+                const std::size_t quote_end = path.find(path[eq + 1], eq + 2);
+                if (quote_end == std::string_view::npos || quote_end + 1 >= path.size() ||
+                    path[quote_end + 1] != ']')
+                    return std::nullopt;
+                value = path.substr(eq + 2, quote_end - eq - 2);
+                close = quote_end + 1;
+            } else {
+                close = path.find(']', eq);
+                if (close == std::string_view::npos)
+                    return std::nullopt;
+                value = path.substr(eq + 1, close - eq - 1);
+            }
+            if (name.empty())
+                return std::nullopt;
+            step.predicates.emplace_back(name, std::move(value));
+            i = close + 1;
+        }
+        if (step.tag.empty() || (i < path.size() && path[i] != '/'))
+            return std::nullopt;
+        steps.push_back(std::move(step));
+    }
+    if (steps.empty())
+        return std::nullopt;
+    return steps;
+}
+
+// The keys a step asks for, in the list's key order; null on a key the list lacks.
+std::optional<EntryKeys> step_keys(const PathStep &step, std::string_view schema) {
+    auto keys = yfw::list_keys(schema);
+    if (keys.empty()) {
+        EntryKeys wanted;
+        for (const auto &[name, value] : step.predicates) {
+            wanted.names.push_back(name);
+            wanted.values.push_back(value.c_str());
+        }
+        return wanted;
+    }
+    EntryKeys wanted = entry_keys(keys, {});
+    for (const auto &[name, value] : step.predicates) {
+        auto it = std::ranges::find(keys, name);
+        if (it == keys.end())
+            return std::nullopt;
+        wanted.values[static_cast<std::size_t>(it - keys.begin())] = value.c_str();
+    }
+    return wanted;
+}
+
+} // namespace
+
+extern "C" {
+
+cerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree,
+                                         const char *path, const char *namespace_,
+                                         const char *value, const tidl_yfw_datatree *source_node,
+                                         tidl_yfw_datatree **new_node_out, uint32_t list_entry_flag,
+                                         uint32_t augment_flag) {
+    (void)augment_flag; // the tree is the same whichever module augments it
+    yfw_map_session *session = session_of(ctx);
+    if (session == nullptr || out_tree == nullptr || path == nullptr)
+        return YFW_ERR_INVALID_ARGS;
+    const auto segments = split_path(path);
+    if (segments.empty())
+        return YFW_ERR_INVALID_ARGS;
+    return add_segments(*session, out_tree, segments, namespace_, value, source_node, new_node_out,
+                        list_entry_flag != 0);
+}
+
+cerrno yfw_map_add_leaf_from_xpath(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
+                                   tidl_yfw_datatree *out_tree, const char *root_path,
+                                   const char *namespace_, const char *const *path_components,
+                                   uint32_t component_count) {
+    (void)root_path; // the first component repeats it
+    yfw_map_session *session = session_of(ctx);
+    const auto segments = join_components(path_components, component_count);
+    if (session == nullptr || input_node == nullptr || out_tree == nullptr || !segments)
+        return YFW_ERR_INVALID_ARGS;
+    return add_segments(*session, out_tree, *segments, namespace_, input_node->value, input_node,
+                        nullptr, false);
+}
+
+cerrno yfw_map_datatree_update_namespace(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree,
+                                         const char *path, const char *namespace_, uint32_t zero) {
+    (void)zero;
+    yfw_map_session *session = session_of(ctx);
+    if (session == nullptr || out_tree == nullptr || path == nullptr || namespace_ == nullptr)
+        return YFW_ERR_INVALID_ARGS;
+    const auto segments = split_path(path);
+    if (segments.empty())
+        return YFW_ERR_INVALID_ARGS;
+    Editor editor(*session->home, namespace_);
+    tidl_yfw_datatree *node = editor.find(out_tree, segments);
+    if (node == nullptr)
+        return YFW_ERR_BAD_TREE;
+    node->namespace_ = intern(editor.arena_for(node), namespace_);
+    return YFW_SUCCESS;
+}
+
+cerrno yfw_map_auto_stitch_list_to_list(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
+                                        tidl_yfw_datatree *out_tree, const char *namespace_,
+                                        const char *const *path_components,
+                                        uint32_t component_count) {
+    yfw_map_session *session = session_of(ctx);
+    const auto segments = join_components(path_components, component_count);
+    if (session == nullptr || input_node == nullptr || out_tree == nullptr || !segments)
+        return YFW_ERR_INVALID_ARGS;
+
+    // Which segments are lists; the last one must be.
+    std::vector<std::size_t> list_at;
+    std::vector<std::string> list_paths;
+    std::string schema;
+    for (std::size_t i = 0; i < segments->size(); ++i) {
+        schema.append("/").append((*segments)[i]);
+        if (!yfw::list_keys(schema).empty()) {
+            list_at.push_back(i);
+            list_paths.push_back(schema);
+        }
+    }
+    if (list_at.empty() || list_at.back() + 1 != segments->size())
+        return YFW_ERR_INVALID_ARGS;
+
+    std::vector<const char *> own = input_key_values(*session, input_node);
+    if (std::ranges::none_of(own, [](const char *v) { return v != nullptr; }))
+        return YFW_MAP_SKIP_NODE;
+
+    // Enclosing output lists take the entries of the open output lists, innermost last.
+    std::vector<const tidl_yfw_datatree *> open;
+    for (const OutputListFrame &frame : session->output_lists)
+        if (frame.entry != input_node)
+            open.push_back(frame.entry);
+    std::vector<EntryKeys> keys(list_at.size());
+    std::vector<const EntryKeys *> wanted(segments->size(), nullptr);
+    const std::size_t innermost = list_at.size() - 1;
+    for (std::size_t j = 0; j < list_at.size(); ++j) {
+        const auto names = yfw::list_keys(list_paths[j]);
+        if (j == innermost)
+            keys[j] = entry_keys(names, own);
+        else if (const std::size_t outward = innermost - j; outward <= open.size())
+            keys[j] = entry_keys(names, input_key_values(*session, open[open.size() - outward]));
+        wanted[list_at[j]] = &keys[j];
+    }
+    Editor editor(*session->home, namespace_);
+    note_add(*session, out_tree, editor.place(out_tree, *segments, wanted), nullptr, nullptr);
+    return YFW_SUCCESS;
+}
+
+cerrno yfw_map_stitch_container_to_list(yfw_map_ctx *ctx, yfw_map_stitch_record *record) {
+    yfw_map_session *session = session_of(ctx);
+    if (session == nullptr || record == nullptr || record->out_tree == nullptr)
+        return YFW_ERR_INVALID_ARGS;
+    const std::size_t path_length = strnlen(record->entry_path, sizeof record->entry_path);
+    const std::size_t ns_length = strnlen(record->namespace_, sizeof record->namespace_);
+    if (path_length == sizeof record->entry_path || ns_length == sizeof record->namespace_)
+        return YFW_ERR_INVALID_ARGS;
+    const auto steps = parse_entry_path({record->entry_path, path_length});
+    if (!steps)
+        return YFW_ERR_INVALID_ARGS;
+
+    std::vector<std::string_view> segments;
+    std::vector<EntryKeys> keys;
+    keys.reserve(steps->size());
+    std::vector<const EntryKeys *> wanted;
+    std::string schema;
+    for (const PathStep &step : *steps) {
+        segments.push_back(step.tag);
+        schema.append("/").append(step.tag);
+        const EntryKeys *entry = nullptr;
+        if (!step.predicates.empty()) {
+            auto asked = step_keys(step, schema);
+            if (!asked)
+                return YFW_ERR_INVALID_ARGS;
+            entry = &keys.emplace_back(std::move(*asked));
+        }
+        wanted.push_back(entry);
+    }
+    Editor editor(*session->home, ns_length != 0 ? record->namespace_ : nullptr);
+    note_add(*session, record->out_tree, editor.place(record->out_tree, segments, wanted), nullptr,
+             nullptr);
+    return YFW_SUCCESS;
+}
+
+} // extern "C"

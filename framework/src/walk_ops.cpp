@@ -1,0 +1,238 @@
+// What the framework keeps about a walk: the node hierarchy, current list
+// entries, open output lists, the input-tree stack, and the tests on requests.
+#include <algorithm>
+
+#include "internal.hpp"
+
+using namespace yfw::detail;
+
+namespace {
+
+yfw_map_session *session_of(yfw_map_ctx *ctx) {
+    return checked(ctx).session;
+}
+
+bool is_delete(int32_t op) {
+    return op == OP_DELETE || op == OP_REMOVE;
+}
+
+// The node of the walk at `path`: the recorded current entry while it is on
+// the hierarchy, else the hierarchy node whose tag path is `path`.
+const tidl_yfw_datatree *walk_node(const yfw_map_session &session, const std::string &path) {
+    const auto &frames = session.hierarchy;
+    if (auto it = session.current_lists.find(path); it != session.current_lists.end()) {
+        const auto &[depth, serial] = it->second;
+        if (depth < frames.size() && frames[depth].serial == serial)
+            return frames[depth].node;
+    }
+    const auto segments = split_path(path);
+    if (segments.empty() || segments.size() > frames.size())
+        return nullptr;
+    for (std::size_t i = 0; i < segments.size(); ++i)
+        if (frames[i].node->tag == nullptr || segments[i] != frames[i].node->tag)
+            return nullptr;
+    return frames[segments.size() - 1].node;
+}
+
+// The child that carries the entry's key: one marked as key, else the first schema key.
+const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yfw_datatree *entry) {
+    auto kids = children(entry);
+    auto marked = std::ranges::find_if(
+        kids, [](const tidl_yfw_datatree &kid) { return kid.present_is_key && kid.is_key; });
+    if (marked != kids.end())
+        return &*marked;
+    const std::size_t depth = session.depth_of(entry);
+    if (depth == kNoDepth)
+        return nullptr;
+    auto keys = yfw::list_keys(session.hierarchy_path(depth));
+    return keys.empty() ? nullptr : child_with_tag(entry, keys.front());
+}
+
+void close_output_list(yfw_map_ctx &ctx, yfw_map_session &session) {
+    session.output_lists.pop_back();
+    if (ctx.list_index > 0)
+        ctx.output_list_key[--ctx.list_index] = nullptr;
+    if (ctx.state != nullptr && ctx.state->output_list_count > 0)
+        --ctx.state->output_list_count;
+}
+
+} // namespace
+
+extern "C" {
+
+void yfw_map_add_to_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, uint32_t kind) {
+    yfw_map_session *session = session_of(ctx);
+    if (session != nullptr && node != nullptr)
+        session->hierarchy.push_back({node, kind, session->next_serial++});
+}
+
+void yfw_map_remove_from_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatree *node) {
+    yfw_map_session *session = session_of(ctx);
+    if (session == nullptr)
+        return;
+    // A pop of a node below the top also pops what a walker forgot to pop.
+    const std::size_t depth = session->depth_of(node);
+    if (depth != kNoDepth)
+        session->hierarchy.resize(depth);
+}
+
+cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
+    yfw_map_session *session = session_of(ctx);
+    if (session == nullptr || path == nullptr)
+        return YFW_ERR_INVALID_ARGS;
+    if (session->hierarchy.empty())
+        return YFW_ERR_BAD_TREE;
+    // In a walk-all pass the top is an ancestor of the list: nothing to record then.
+    const auto segments = split_path(path);
+    const HierarchyFrame &top = session->hierarchy.back();
+    if (!segments.empty() && top.node->tag != nullptr && segments.back() == top.node->tag)
+        session->current_lists[normalize_path(path)] = {session->hierarchy.size() - 1, top.serial};
+    return YFW_SUCCESS;
+}
+
+cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char *key_name,
+                             char **value_out) {
+    yfw_map_session *session = session_of(ctx);
+    if (session == nullptr || list_path == nullptr || key_name == nullptr || value_out == nullptr)
+        return YFW_ERR_INVALID_ARGS;
+    std::string path = normalize_path(list_path);
+    const tidl_yfw_datatree *holder = nullptr;
+    if (path.ends_with("/config")) {
+        // A key mirrored in the entry's config container.
+        if (const tidl_yfw_datatree *entry = walk_node(*session, path.substr(0, path.size() - 7)))
+            holder = child_with_tag(entry, "config");
+        else if ((holder = walk_node(*session, path)) == nullptr)
+            return YFW_ERR_BAD_TREE;
+    } else if ((holder = walk_node(*session, path)) == nullptr) {
+        return YFW_ERR_BAD_TREE;
+    }
+    const tidl_yfw_datatree *leaf = child_with_tag(holder, key_name);
+    *value_out = leaf != nullptr ? leaf->value : nullptr;
+    return YFW_SUCCESS;
+}
+
+cerrno yfw_map_get_subtrees(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
+                            tidl_yfw_datatree **subtrees_out, uint32_t *count_out) {
+    checked(ctx);
+    if (node == nullptr || subtrees_out == nullptr || count_out == nullptr)
+        return YFW_ERR_INVALID_ARGS;
+    if (!node->present_subtrees) {
+        *subtrees_out = nullptr;
+        *count_out = 0;
+        return YFW_SUCCESS;
+    }
+    if (node->subtrees == nullptr && node->subtree_count != 0)
+        return YFW_ERR_BAD_TREE;
+    *subtrees_out = node->subtrees;
+    *count_out = node->subtree_count;
+    return YFW_SUCCESS;
+}
+
+void yfw_add_to_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
+                                tidl_yfw_datatree *out_tree) {
+    (void)out_tree;
+    yfw_map_ctx &context = checked(ctx);
+    yfw_map_session *session = context.session;
+    if (session == nullptr || input_node == nullptr || context.list_index < 0 ||
+        context.list_index >= YFW_MAP_MAX_OUTPUT_LISTS)
+        return;
+    const tidl_yfw_datatree *key = key_child(*session, input_node);
+    if (key == nullptr)
+        return;
+    static char no_value[] = "";
+    context.output_list_key[context.list_index++] = key->value != nullptr ? key->value : no_value;
+    if (context.state != nullptr)
+        ++context.state->output_list_count;
+    session->output_lists.push_back({input_node});
+}
+
+void yfw_remove_from_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
+                                     tidl_yfw_datatree *out_tree) {
+    (void)out_tree;
+    yfw_map_ctx &context = checked(ctx);
+    yfw_map_session *session = context.session;
+    if (session == nullptr)
+        return;
+    auto &open = session->output_lists;
+    auto it = std::ranges::find(open, input_node, &OutputListFrame::entry);
+    if (it == open.end())
+        return;
+    const auto keep = static_cast<std::size_t>(it - open.begin());
+    while (open.size() > keep)
+        close_output_list(context, *session);
+}
+
+int yfw_map_is_request_delete(const tidl_yfw_datatree *node) {
+    return node != nullptr && is_delete(yfw::effective_operation(node)) ? 1 : 0;
+}
+
+int yfw_map_is_request_add(yfw_map_ctx *ctx, const tidl_yfw_datatree *node) {
+    const yfw_map_ctx &context = checked(ctx);
+    if (node == nullptr || context.state == nullptr || context.state->request == nullptr)
+        return 0;
+    const uint32_t kind = context.state->request->request_kind;
+    return !yfw_map_is_read_kind(kind) && !is_delete(yfw::effective_operation(node)) ? 1 : 0;
+}
+
+int yfw_map_do_these_match(const char *a, const char *b) {
+    return same_text(a, b) ? 1 : 0;
+}
+
+cerrno yfw_map_check_oc_leafref(yfw_map_ctx *ctx, const char *list_path, const char *container_name,
+                                const tidl_yfw_datatree *key_node,
+                                const tidl_yfw_datatree *list_node) {
+    (void)list_path;
+    checked(ctx);
+    if (container_name == nullptr || key_node == nullptr || list_node == nullptr ||
+        key_node->tag == nullptr)
+        return YFW_ERR_INVALID_ARGS;
+    const tidl_yfw_datatree *mirror =
+        child_with_tag(child_with_tag(list_node, container_name), key_node->tag);
+    // Only two values can disagree: a leaf that selects has nothing to compare.
+    if (mirror != nullptr && mirror->value != nullptr && key_node->value != nullptr &&
+        !same_text(mirror->value, key_node->value))
+        return YFW_ERR_LIST_KEY;
+    return YFW_SUCCESS;
+}
+
+uint32_t yfw_map_util_itree_stack_size(yfw_map_ctx *ctx) {
+    yfw_map_session *session = session_of(ctx);
+    return session != nullptr ? static_cast<uint32_t>(session->itree.size()) : 0;
+}
+
+void yfw_map_util_itree_stack_push(yfw_map_ctx *ctx, tidl_yfw_datatree *nodes, uint32_t count,
+                                   yfw_map_itree_cb callback) {
+    if (yfw_map_session *session = session_of(ctx))
+        session->itree.push_back({nodes, count, callback});
+}
+
+void yfw_map_util_itree_stack_peak(yfw_map_ctx *ctx, yfw_map_itree_entry **entry_out) {
+    yfw_map_session *session = session_of(ctx);
+    if (entry_out != nullptr)
+        *entry_out =
+            session != nullptr && !session->itree.empty() ? &session->itree.back() : nullptr;
+}
+
+void yfw_map_util_itree_stack_pop(yfw_map_ctx *ctx) {
+    yfw_map_session *session = session_of(ctx);
+    if (session != nullptr && !session->itree.empty())
+        session->itree.pop_back();
+}
+
+void yfw_oc_error_path(yfw_map_ctx *ctx) {
+    yfw_map_session *session = session_of(ctx);
+    if (session == nullptr)
+        return;
+    std::string path;
+    const char *parent_ns = nullptr;
+    for (std::size_t depth = 0; depth < session->hierarchy.size(); ++depth) {
+        const tidl_yfw_datatree &node = *session->hierarchy[depth].node;
+        path += '/';
+        path += yfw::describe_segment(node, session->hierarchy_path(depth), parent_ns);
+        if (node.namespace_ != nullptr)
+            parent_ns = node.namespace_;
+    }
+    session->error_path = path.empty() ? "/" : path;
+}
+
+} // extern "C"

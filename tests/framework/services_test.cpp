@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+
+#include "qv_platform.h"
+#include "tree_text.hpp"
+#include "yfw_map.h"
+
+namespace {
+
+TEST(Memory, NamedCopiesAreCountedPerLabel) {
+    const std::size_t before = yfw::live_allocations();
+    char *a = yfw_strdup("ssh-key", YFW_MAP_ALLOC_LABEL);
+    char *b = yfw_strdup("x", "other");
+    EXPECT_STREQ(a, "ssh-key");
+    EXPECT_EQ(yfw::live_allocations(), before + 1);
+    EXPECT_EQ(yfw::live_allocations("other"), 1u);
+    EXPECT_EQ(yfw_strdup(nullptr, YFW_MAP_ALLOC_LABEL), nullptr);
+    qvos_named_free(a);
+    qvos_named_free(b);
+    qvos_named_free(nullptr);
+    EXPECT_EQ(yfw::live_allocations(), before);
+    EXPECT_EQ(yfw::live_allocations("other"), 0u);
+}
+
+TEST(Memory, SessionReleasesErrorTexts) {
+    const std::size_t before = yfw::live_allocations();
+    {
+        yfw::Session session(KIND_EDIT_A);
+        session.state()->error_tag = yfw_strdup("enabled", YFW_MAP_ALLOC_LABEL);
+        session.state()->error_message = yfw_strdup("Invalid value", YFW_MAP_ALLOC_LABEL);
+        EXPECT_EQ(yfw::live_allocations(), before + 2);
+    }
+    EXPECT_EQ(yfw::live_allocations(), before);
+}
+
+TEST(SafeStrings, CopiesThatFitAndOnesThatDoNot) {
+    struct Case {
+        std::size_t size;
+        const char *source;
+        std::size_t count; // 0: yfw_strcpy_s, else yfw_strncpy_s
+        bool ok;
+        const char *result;
+    };
+    const Case cases[] = {
+        {8, "system", 0, true, "system"}, {7, "system", 0, true, "system"},
+        {6, "system", 0, false, ""},      {8, nullptr, 0, false, ""},
+        {4, "system", 3, true, "sys"},    {4, "system", 4, false, ""},
+        {8, "ab", 5, true, "ab"},
+    };
+    for (const Case &c : cases) {
+        char dest[8] = "old";
+        const int rc = c.count == 0 ? yfw_strcpy_s(__func__, dest, c.size, c.source)
+                                    : yfw_strncpy_s(__func__, dest, c.size, c.source, c.count);
+        EXPECT_EQ(rc == EOK, c.ok) << c.size << " " << (c.source ? c.source : "null");
+        EXPECT_STREQ(dest, c.result);
+    }
+    char dest[4] = "old";
+    EXPECT_NE(strcpy_s(dest, 0, "a"), EOK);
+    EXPECT_STREQ(dest, "old");
+    EXPECT_NE(strcpy_s(nullptr, 4, "a"), EOK);
+    EXPECT_EQ(strcpy_s(dest, sizeof dest, "abc"), EOK);
+    EXPECT_STREQ(dest, "abc");
+}
+
+TEST(SafeStrings, CompareWithinALimit) {
+    int indicator = 7;
+    EXPECT_EQ(yfw_strcmp_s(__func__, "DEFAULT", 64, "DEFAULT", &indicator), EOK);
+    EXPECT_EQ(indicator, 0);
+    EXPECT_EQ(yfw_strcmp_s(__func__, "abcX", 3, "abcY", &indicator), EOK);
+    EXPECT_EQ(indicator, 0);
+    EXPECT_EQ(yfw_strcmp_s(__func__, "a", 64, "b", &indicator), EOK);
+    EXPECT_LT(indicator, 0);
+    EXPECT_EQ(yfw_strcmp_s(__func__, "b", 64, "a", &indicator), EOK);
+    EXPECT_GT(indicator, 0);
+    EXPECT_NE(yfw_strcmp_s(__func__, nullptr, 64, "a", &indicator), EOK);
+    EXPECT_NE(yfw_strcmp_s(__func__, "a", 64, "a", nullptr), EOK);
+}
+
+struct Sysdb : testing::Test {
+    void SetUp() override { yfw::sysdb::clear(); }
+    void TearDown() override { yfw::sysdb::clear(); }
+};
+
+TEST_F(Sysdb, ItemsUnderTheBindPoint) {
+    yfw::sysdb::set_item("/cfg/gl/ems/ord_A/grpc/name", "srv");
+    yfw::sysdb::set_item("/cfg/gl/ems/ord_A/grpc/running", "");
+    sysdb_connection *conn = nullptr;
+    ASSERT_EQ(_sysdb_bind(&conn, "/cfg/gl/ems/", 0), 0);
+
+    uint32_t type = SYSDB_TYPE_STRING;
+    void *value = nullptr;
+    uint32_t size = 99;
+    ASSERT_EQ(sysdb_item_get(conn, "ord_A/grpc/name", &type, &value, &size, 0), 0);
+    EXPECT_STREQ(static_cast<char *>(value), "srv");
+    EXPECT_EQ(size, 3u);
+    EXPECT_EQ(type, SYSDB_TYPE_STRING);
+    std::free(value);
+
+    ASSERT_EQ(sysdb_item_get(conn, "ord_A/grpc/running", &type, &value, &size, 0), 0);
+    EXPECT_EQ(size, 0u);
+    std::free(value);
+
+    yfw::sysdb::erase_item("/cfg/gl/ems/ord_A/grpc/name");
+    EXPECT_NE(sysdb_item_get(conn, "ord_A/grpc/name", &type, &value, &size, 0), 0);
+    EXPECT_EQ(_sysdb_unbind(conn), 0);
+}
+
+TEST_F(Sysdb, BindCanFail) {
+    yfw::sysdb::set_bind_fails(true);
+    sysdb_connection *conn = nullptr;
+    EXPECT_NE(_sysdb_bind(&conn, "/cfg/gl/ems/", 0), 0);
+    EXPECT_EQ(conn, nullptr);
+}
+
+TEST(Registry, ModulesAndListKeys) {
+    const yfw::Module *ntp = yfw::module_by_name("Tarvex-QV-ip-ntp-cfg");
+    ASSERT_NE(ntp, nullptr);
+    EXPECT_EQ(ntp->ns, "http://tarvex.local/ns/yang/Tarvex-QV-ip-ntp-cfg");
+    EXPECT_EQ(yfw::module_by_namespace("http://openconfig.net/yang/system-grpc")->name,
+              "openconfig-system-grpc");
+    EXPECT_EQ(yfw::module_by_namespace("urn:none"), nullptr);
+    for (const yfw::Module &module : yfw::modules())
+        EXPECT_LE(module.ns.size(), 80u) << module.name;
+
+    using Keys = std::vector<std::string_view>;
+    auto keys = [](std::string_view path) {
+        auto span = yfw::list_keys(path);
+        return Keys(span.begin(), span.end());
+    };
+    EXPECT_EQ(keys("/system/logging/remote-servers/remote-server/selectors/selector"),
+              (Keys{"facility", "severity"}));
+    EXPECT_EQ(keys("/a1:aaa/a2:server-groups/tacacs-server-groups/tacacs-server-group/"
+                   "private-servers/private-server"),
+              (Keys{"ip-address", "port-number"}));
+    EXPECT_EQ(keys("/oc-sys:system/grpc-servers/grpc-server"), Keys{"name"});
+    EXPECT_TRUE(keys("/system/dns/servers").empty());
+}
+
+TEST(Registry, SegmentsQuoteKeyValues) {
+    yfw::Arena arena;
+    tidl_yfw_datatree *selector = fwtest::new_root(arena, "selector");
+    selector->namespace_ = arena.text("http://openconfig.net/yang/system");
+    fwtest::add_node(arena, selector, "severity", "it's");
+    fwtest::add_node(arena, selector, "facility", "NONE");
+    EXPECT_EQ(yfw::describe_segment(*selector, "/system/logging/console/selectors/selector",
+                                    "http://openconfig.net/yang/system"),
+              "selector[facility='NONE'][severity=\"it's\"]");
+    EXPECT_EQ(yfw::describe_segment(*selector, "/system", nullptr), "openconfig-system:selector");
+}
+
+} // namespace
