@@ -158,6 +158,7 @@ enum : uint16_t {
 };
 
 struct WalkerRow {
+    WalkerFn self; // the entry point of the row
     const char *name;
     Family family;
     WalkerKind kind;
@@ -183,12 +184,9 @@ cerrno duck_pass(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
 cerrno duck_refuse(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                    tidl_yfw_datatree *out_tree);
 
-// ---- What the rows of every module describe, for whole-library checks ---------
+// ---- Every row of every module, for checks over the whole library ------------
 
-struct ModuleRows {
-    const char *module; // the module's word in names, such as "openconfigsystem"
-    std::span<const MapperRow *const> mappers;
-    std::span<const WalkerRow *const> walkers;
-};
+std::span<const MapperRow *const> all_mapper_rows();
+std::span<const WalkerRow *const> all_walker_rows();
 
 } // namespace ymap

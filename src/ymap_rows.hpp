@@ -39,7 +39,7 @@
 // An augment walker: <prefix>_augment_<level>_<path>
 #define YMAP_AUGMENT(level, path) YMAP_MAPPER(augment, level, path)
 #define YMAP_DUCK(kind) YMAP_PASTE(YMAP_PREFIX, _duck_map_##kind)
-// The row behind an entry point (file-local).
+// The row behind an entry point.
 #define YMAP_ROW(fn) YMAP_PASTE(row_, fn)
 
 #define YMAP_CONT_SIG (yfw_map_ctx * ctx, tidl_yfw_datatree * node, uint32_t count, tidl_yfw_datatree * out_tree)
@@ -141,19 +141,26 @@
     extern "C" YMAP_EXPORT cerrno YMAP_DUCK(container) YMAP_CONT_SIG; \
     extern "C" YMAP_EXPORT cerrno YMAP_DUCK(list) YMAP_NODE_SIG;      \
     extern "C" YMAP_EXPORT cerrno YMAP_DUCK(leaf) YMAP_NODE_SIG;
-#define YMAP_CMAP_DECLARE(fn, ...) extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG;
+#define YMAP_MAPPER_ROW_DECLARE_(fn) \
+    namespace ymap::rows { extern const ::ymap::MapperRow YMAP_ROW(fn); }
+#define YMAP_WALKER_ROW_DECLARE_(fn) \
+    namespace ymap::rows { extern const ::ymap::WalkerRow YMAP_ROW(fn); }
+#define YMAP_CMAP_DECLARE(fn, ...) \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG; YMAP_MAPPER_ROW_DECLARE_(fn)
 #define YMAP_CMAP_HAND_DECLARE(fn, hand) \
-    extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG;  \
-    extern "C" YMAP_EXPORT cerrno hand YMAP_CONT_SIG;
-#define YMAP_NMAP_DECLARE(fn, kind, ...) extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG;
-#define YMAP_NMAP_PIECES_DECLARE(fn, kind, form, ns, ...) extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG;
-#define YMAP_NMAP_HAND_DECLARE(fn, kind, hand)      \
-    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; \
-    extern "C" YMAP_EXPORT cerrno hand YMAP_NODE_SIG;
-#define YMAP_LWALK_DECLARE(fn, mapper, kind) extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG;
-#define YMAP_WALK_DECLARE(fn, parser, ...)          \
-    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; \
-    extern "C" YMAP_EXPORT cerrno parser YMAP_NODE_SIG;
+    YMAP_CMAP_DECLARE(fn) extern "C" YMAP_EXPORT cerrno hand YMAP_CONT_SIG;
+#define YMAP_NMAP_DECLARE(fn, ...) \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; YMAP_MAPPER_ROW_DECLARE_(fn)
+#define YMAP_NMAP_PIECES_DECLARE(fn, ...) YMAP_NMAP_DECLARE(fn)
+#define YMAP_NMAP_HAND_DECLARE(fn, kind, hand) \
+    YMAP_NMAP_DECLARE(fn) extern "C" YMAP_EXPORT cerrno hand YMAP_NODE_SIG;
+#define YMAP_LWALK_DECLARE(fn, ...) \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; YMAP_WALKER_ROW_DECLARE_(fn)
+#define YMAP_AUG_DECLARE_GEN(parser) YMAP_WALKER_ROW_DECLARE_(parser)
+#define YMAP_AUG_DECLARE_HAND(parser)
+#define YMAP_WALK_DECLARE(fn, parser, aug, ...)                                  \
+    extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; YMAP_WALKER_ROW_DECLARE_(fn)     \
+    extern "C" YMAP_EXPORT cerrno parser YMAP_NODE_SIG; YMAP_AUG_DECLARE_##aug(parser)
 
 // ---- AUTO: mapper rows and entry points --------------------------------------
 
@@ -168,24 +175,24 @@
         return ::ymap::leaf_body(YMAP_STR(YMAP_DUCK(leaf)), ctx, node, out_tree);            \
     }
 #define YMAP_CMAP_AUTO(fn, ...)                                                              \
-    namespace {                                                                              \
+    namespace ymap::rows {                                                                   \
     constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
         .name = YMAP_STR(fn), .kind = ::ymap::MapperKind::Container,                    \
         .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                    \
     }                                                                                        \
     extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG {                                         \
-        return ::ymap::run_container_mapper(YMAP_ROW(fn), ctx, node, count, out_tree);       \
+        return ::ymap::run_container_mapper(::ymap::rows::YMAP_ROW(fn), ctx, node, count, out_tree);       \
     }
 #define YMAP_CMAP_HAND_AUTO(fn, hand_fn) \
     YMAP_CMAP_AUTO(fn, .form = ::ymap::Form::HandCount, .hand_count = &hand_fn)
 #define YMAP_NMAP_AUTO(fn, mkind, ...)                                                       \
-    namespace {                                                                              \
+    namespace ymap::rows {                                                                   \
     constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
         .name = YMAP_STR(fn), .kind = ::ymap::MapperKind::mkind,                        \
         .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                        \
     }                                                                                        \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
-        return ::ymap::run_mapper(YMAP_ROW(fn), ctx, node, out_tree);                        \
+        return ::ymap::run_mapper(::ymap::rows::YMAP_ROW(fn), ctx, node, out_tree);                        \
     }
 #define YMAP_NMAP_PIECES_AUTO(fn, mkind, mform, ns_, ...)                                     \
     namespace {                                                                              \
@@ -210,11 +217,12 @@
 
 #define YMAP_WALKER_ENTRY_(fn)                                                               \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
-        return ::ymap::run_walker(YMAP_ROW(fn), ctx, node, out_tree);                        \
+        return ::ymap::run_walker(::ymap::rows::YMAP_ROW(fn), ctx, node, out_tree);                        \
     }
 #define YMAP_LWALK_PARSER(fn, mapper_fn, wkind)                                              \
-    namespace {                                                                              \
-    constexpr ::ymap::WalkerRow YMAP_ROW(fn){.name = YMAP_STR(fn),                                    \
+    namespace ymap::rows {                                                                   \
+    constexpr ::ymap::WalkerRow YMAP_ROW(fn){.self = &fn,                                    \
+                                             .name = YMAP_STR(fn),                           \
                                              .family = ::ymap::Family::YMAP_FAMILY,          \
                                              .kind = ::ymap::WalkerKind::wkind,              \
                                              .ns = YMAP_NS,                                  \
@@ -225,8 +233,9 @@
 // The generated augment parser of a walker, or none when a hand-written one
 // of the same name stands in the module's `_man` source.
 #define YMAP_AUG_GEN(parser)                                                                 \
-    namespace {                                                                              \
-    constexpr ::ymap::WalkerRow YMAP_ROW(parser){.name = YMAP_STR(parser),                            \
+    namespace ymap::rows {                                                                   \
+    constexpr ::ymap::WalkerRow YMAP_ROW(parser){.self = &parser,                            \
+                                                 .name = YMAP_STR(parser),                   \
                                                  .family = ::ymap::Family::YMAP_FAMILY,      \
                                                  .kind = ::ymap::WalkerKind::AugmentParser,  \
                                                  .ns = YMAP_NS};                             \
@@ -237,7 +246,10 @@
 #define YMAP_WALK_PARSER(fn, parser, aug, wkind, fl, cmapper, lmapper, lpath, keys_, ...)    \
     YMAP_AUG_##aug(parser) namespace {                                                       \
         constexpr ::ymap::Child YMAP_PASTE(children_, fn)[] = {__VA_ARGS__::ymap::Child{nullptr}}; \
+    }                                                                                        \
+    namespace ymap::rows {                                                                   \
         constexpr ::ymap::WalkerRow YMAP_ROW(fn){                                            \
+            .self = &fn,                                                                     \
             .name = YMAP_STR(fn),                                                                     \
             .family = ::ymap::Family::YMAP_FAMILY,                                           \
             .kind = ::ymap::WalkerKind::wkind,                                               \
@@ -252,3 +264,25 @@
             .keys = {YMAP_UNPAREN keys_}};                                                    \
     }                                                                                        \
     YMAP_WALKER_ENTRY_(fn)
+
+// ---- MAPPER_LIST and WALKER_LIST: every row, for checks over the library -------
+
+#define YMAP_DUCKS_MAPPER_LIST(body)
+#define YMAP_CMAP_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_CMAP_HAND_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_NMAP_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_NMAP_PIECES_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_NMAP_HAND_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_LWALK_MAPPER_LIST(...)
+#define YMAP_WALK_MAPPER_LIST(...)
+
+#define YMAP_DUCKS_WALKER_LIST(body)
+#define YMAP_CMAP_WALKER_LIST(...)
+#define YMAP_CMAP_HAND_WALKER_LIST(...)
+#define YMAP_NMAP_WALKER_LIST(...)
+#define YMAP_NMAP_PIECES_WALKER_LIST(...)
+#define YMAP_NMAP_HAND_WALKER_LIST(...)
+#define YMAP_LWALK_WALKER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_AUG_LIST_GEN(parser) &::ymap::rows::YMAP_ROW(parser),
+#define YMAP_AUG_LIST_HAND(parser)
+#define YMAP_WALK_WALKER_LIST(fn, parser, aug, ...) &::ymap::rows::YMAP_ROW(fn), YMAP_AUG_LIST_##aug(parser)
