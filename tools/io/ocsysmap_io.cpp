@@ -1,0 +1,38 @@
+// Choosing the input format, and the document root the writers take.
+#include "ocsysmap_io.hpp"
+
+#include "io_detail.hpp"
+
+namespace ocsysmap {
+
+std::vector<tidl_yfw_datatree *> parse_input(yfw::Arena &arena, std::string_view text,
+                                             bool read_kind) {
+    constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
+    if (text.substr(0, kByteOrderMark.size()) == kByteOrderMark) {
+        text.remove_prefix(kByteOrderMark.size());
+    }
+    auto first = text.find_first_not_of(" \t\r\n");
+    if (first == std::string_view::npos) {
+        throw ParseError("the input is empty");
+    }
+    switch (text[first]) {
+    case '<':
+        return detail::parse_xml(arena, text, read_kind);
+    case '{':
+    case '[':
+        return detail::parse_json(arena, text);
+    default:
+        throw ParseError("the input is neither XML (begins with '<') nor JSON (begins with '{' "
+                         "or '[')");
+    }
+}
+
+tidl_yfw_datatree *document_of(yfw::Arena &arena, std::span<tidl_yfw_datatree *const> roots) {
+    tidl_yfw_datatree *document = arena.new_root();
+    for (const tidl_yfw_datatree *root : roots) {
+        *arena.append_child(document) = *root;
+    }
+    return document;
+}
+
+} // namespace ocsysmap

@@ -1,0 +1,312 @@
+// ocsysmap map: read a tree, hand each root to the walker of its registered
+// tree, print the output tree and the status. ocsysmap modules: list the
+// modules the framework knows.
+#include "ocsysmap_cli.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "io/io_detail.hpp"
+#include "io/ocsysmap_io.hpp"
+#include "yfw/standin.hpp"
+
+namespace ocsysmap {
+namespace {
+
+constexpr std::string_view kUsage =
+    "usage: ocsysmap map --kind KIND [--oper-only] [--format paths|xml|json] [--trace] FILE\n"
+    "       ocsysmap modules\n"
+    "KIND is get-config, get, edit-a, edit-b, edit-c or a number; FILE - reads standard input.\n";
+
+// Exit 2 with the usage text.
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+// Exit 2 with the message alone.
+struct InputError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct Named {
+    std::string_view name;
+    uint32_t value;
+};
+
+constexpr std::array<Named, 5> kKinds{{
+    {"get-config", KIND_GET_CONFIG},
+    {"get", KIND_GET},
+    {"edit-a", KIND_EDIT_A},
+    {"edit-b", KIND_EDIT_B},
+    {"edit-c", KIND_EDIT_C},
+}};
+
+constexpr std::array<Named, 9> kStatuses{{
+    {"YFW_SUCCESS", YFW_SUCCESS},
+    {"YFW_ERR_INVALID_ARGS", YFW_ERR_INVALID_ARGS},
+    {"YFW_ERR_BAD_TREE", YFW_ERR_BAD_TREE},
+    {"YFW_ERR_UNSUPPORTED_TAG", YFW_ERR_UNSUPPORTED_TAG},
+    {"YFW_ERR_LIST_KEY", YFW_ERR_LIST_KEY},
+    {"YFW_ERR_KEY_DELETE", YFW_ERR_KEY_DELETE},
+    {"YFW_ERR_BAD_VALUE", YFW_ERR_BAD_VALUE},
+    {"YFW_MAP_SKIP_NODE", YFW_MAP_SKIP_NODE},
+    {"YFW_ERR_UNSUPPORTED_AUGMENT", YFW_ERR_UNSUPPORTED_AUGMENT},
+}};
+
+struct Format {
+    std::string_view name;
+    std::string (*write)(const tidl_yfw_datatree &document);
+};
+
+constexpr std::array<Format, 3> kFormats{{
+    {"paths", to_paths},
+    {"xml", to_xml},
+    {"json", to_json},
+}};
+
+struct MapOptions {
+    std::optional<uint32_t> kind;
+    bool oper_only = false;
+    const Format *format = &kFormats[0];
+    bool trace = false;
+    std::optional<std::string_view> file;
+};
+
+template <typename Table> auto find_by_name(const Table &table, std::string_view name) {
+    return std::find_if(table.begin(), table.end(),
+                        [name](const auto &row) { return row.name == name; });
+}
+
+uint32_t kind_from(std::string_view word) {
+    if (auto it = find_by_name(kKinds, word); it != kKinds.end()) {
+        return it->value;
+    }
+    if (auto number = detail::parse_decimal<uint32_t>(word)) {
+        return *number;
+    }
+    throw UsageError("unknown kind \"" + std::string(word) + "\"");
+}
+
+const Format *format_from(std::string_view word) {
+    if (auto it = find_by_name(kFormats, word); it != kFormats.end()) {
+        return &*it;
+    }
+    throw UsageError("unknown format \"" + std::string(word) + "\"");
+}
+
+MapOptions parse_map_options(std::span<const std::string_view> args) {
+    MapOptions o;
+    for (std::size_t i = 0; i < args.size(); ++i) {
+        std::string_view arg = args[i];
+        auto operand = [&]() {
+            if (i + 1 == args.size()) {
+                throw UsageError(std::string(arg) + " needs a value");
+            }
+            return args[++i];
+        };
+        if (arg == "--kind") {
+            o.kind = kind_from(operand());
+        } else if (arg == "--format") {
+            o.format = format_from(operand());
+        } else if (arg == "--oper-only") {
+            o.oper_only = true;
+        } else if (arg == "--trace") {
+            o.trace = true;
+        } else if (arg.size() > 1 && arg.front() == '-') {
+            throw UsageError("unknown option " + std::string(arg));
+        } else if (o.file) {
+            throw UsageError("only one input file is taken");
+        } else {
+            o.file = arg;
+        }
+    }
+    if (!o.kind) {
+        throw UsageError("--kind is required");
+    }
+    if (!o.file) {
+        throw UsageError("an input file is required (- for standard input)");
+    }
+    return o;
+}
+
+std::string input_name(std::string_view file) {
+    return file == "-" ? std::string("standard input") : std::string(file);
+}
+
+std::string read_input(std::string_view file, std::istream &in) {
+    auto slurp = [](std::istream &s) {
+        return std::string(std::istreambuf_iterator<char>(s), std::istreambuf_iterator<char>());
+    };
+    if (file == "-") {
+        return slurp(in);
+    }
+    const std::filesystem::path path(file);
+    std::error_code ec;
+    if (std::filesystem::is_directory(path, ec)) {
+        throw InputError(input_name(file) + ": is a directory");
+    }
+    std::ifstream stream(path, std::ios::binary);
+    if (!stream) {
+        throw InputError(input_name(file) + ": " + std::strerror(errno));
+    }
+    std::string text = slurp(stream);
+    if (stream.bad()) {
+        throw InputError(input_name(file) + ": read error");
+    }
+    return text;
+}
+
+bool equals(const char *text, const char *field) {
+    return text != nullptr && std::strcmp(text, field) == 0;
+}
+
+// The walker of the first tree whose OpenConfig or native root is this root.
+yfw_map_walker_fn walker_for(std::span<const yfw_map_reg_mod_t> trees,
+                             const tidl_yfw_datatree &root) {
+    for (const yfw_map_reg_mod_t &tree : trees) {
+        if (equals(root.tag, tree.oc_root) && equals(root.namespace_, tree.oc_namespace) &&
+            tree.oc_to_native != nullptr) {
+            return tree.oc_to_native;
+        }
+        if (equals(root.tag, tree.native_root) && equals(root.namespace_, tree.native_namespace) &&
+            tree.native_to_oc != nullptr) {
+            return tree.native_to_oc;
+        }
+    }
+    return nullptr;
+}
+
+std::string describe_root(const tidl_yfw_datatree &root) {
+    std::string text = root.tag != nullptr ? "\"" + std::string(root.tag) + "\"" : "without a tag";
+    return text + (root.namespace_ != nullptr
+                       ? " in namespace \"" + std::string(root.namespace_) + "\""
+                       : " without a namespace");
+}
+
+std::string hex(cerrno status) {
+    std::array<char, 11> text{};
+    std::snprintf(text.data(), text.size(), "0x%08x", static_cast<unsigned>(status));
+    return text.data();
+}
+
+void print_lines(std::ostream &err, const std::vector<std::string> &lines) {
+    for (std::string_view line : lines) {
+        if (!line.empty() && line.back() == '\n') {
+            line.remove_suffix(1);
+        }
+        err << line << '\n';
+    }
+}
+
+void report(std::ostream &err, cerrno status, yfw::Session &session) {
+    auto named = std::find_if(kStatuses.begin(), kStatuses.end(),
+                              [status](const Named &row) { return row.value == status; });
+    err << "status: ";
+    if (named != kStatuses.end()) {
+        err << named->name << " (" << hex(status) << ")\n";
+    } else {
+        err << hex(status) << '\n';
+    }
+    const yfw_map_state *state = session.state();
+    if (state->error_tag != nullptr) {
+        err << "error-tag: " << state->error_tag << '\n';
+    }
+    if (state->error_message != nullptr) {
+        err << "error-message: " << state->error_message << '\n';
+    }
+    if (!session.error_path().empty()) {
+        err << "error-path: " << session.error_path() << '\n';
+    }
+}
+
+int map_command(const MapOptions &options, std::istream &in, std::ostream &out, std::ostream &err,
+                std::span<const yfw_map_reg_mod_t> trees) {
+    const std::string text = read_input(*options.file, in);
+    yfw::Session session(*options.kind, options.oper_only);
+    std::vector<tidl_yfw_datatree *> roots;
+    try {
+        roots = parse_input(session.arena(), text, yfw_map_is_read_kind(*options.kind));
+    } catch (const ParseError &e) {
+        throw InputError(input_name(*options.file) + ": " + e.what());
+    }
+    // Every root must have a tree before any is mapped.
+    std::vector<yfw_map_walker_fn> walkers;
+    for (const tidl_yfw_datatree *root : roots) {
+        walkers.push_back(walker_for(trees, *root));
+        if (walkers.back() == nullptr) {
+            throw InputError("no tree is registered for the root " + describe_root(*root));
+        }
+    }
+
+    session.set_debug_log(options.trace);
+    session.set_ring_trace(options.trace);
+    cerrno status = YFW_SUCCESS;
+    for (std::size_t i = 0; i < roots.size() && status == YFW_SUCCESS; ++i) {
+        session.note_input(roots[i]);
+        status = walkers[i](session.ctx(), roots[i], session.output());
+    }
+
+    std::string printed;
+    std::optional<std::string> write_error;
+    try {
+        printed = options.format->write(*session.output());
+    } catch (const std::invalid_argument &e) {
+        write_error = e.what();
+    }
+    if (options.trace) {
+        print_lines(err, session.debug_log());
+        print_lines(err, session.ring_trace());
+    }
+    if (write_error) {
+        err << "ocsysmap: the output tree has no " << options.format->name
+            << " form: " << *write_error << '\n';
+    }
+    report(err, status, session);
+    if (write_error) {
+        return 2;
+    }
+    out << printed << std::flush;
+    return status == YFW_SUCCESS ? 0 : 1;
+}
+
+} // namespace
+
+int run(std::span<const std::string_view> args, std::istream &in, std::ostream &out,
+        std::ostream &err, std::span<const yfw_map_reg_mod_t> trees) {
+    try {
+        std::string_view command = args.empty() ? std::string_view{} : args.front();
+        if (command == "map") {
+            return map_command(parse_map_options(args.subspan(1)), in, out, err, trees);
+        }
+        if (command == "modules" && args.size() == 1) {
+            for (const yfw::Module &m : yfw::modules()) {
+                out << m.name << '\t' << m.ns << '\n';
+            }
+            return 0;
+        }
+        if (command == "--help" || command == "-h") {
+            out << kUsage;
+            return 0;
+        }
+        throw UsageError(command.empty()        ? "a command is required"
+                         : command == "modules" ? "modules takes no arguments"
+                                                : "unknown command " + std::string(command));
+    } catch (const UsageError &e) {
+        err << "ocsysmap: " << e.what() << '\n' << kUsage;
+    } catch (const InputError &e) {
+        err << "ocsysmap: " << e.what() << '\n';
+    }
+    return 2;
+}
+
+} // namespace ocsysmap
