@@ -36,7 +36,7 @@ example)
     build build
     while read -r kind file; do
         echo "== ocsysmap map --kind $kind $file"
-        build/tools/ocsysmap map --kind "$kind" "$file"
+        build/tools/ocsysmap map --kind "$kind" "examples/$file"
     done < examples/main-job.txt
     ;;
 test)
