@@ -6,10 +6,10 @@
 
 #include <benchmark/benchmark.h>
 
+#include "yfw/standin.hpp"
 #include "ymap_cpu_words.hpp"
 #include "ymap_namespaces.hpp"
 #include "ymap_ocsystem_modules.h"
-#include "yfw/standin.hpp"
 
 namespace {
 
@@ -50,8 +50,8 @@ constexpr const char *kMeasures[] = {
     YMAP_CPU_MEASURES(YMAP_WORD_)
 #undef YMAP_WORD_
 };
-constexpr const char *kCounters[] = {"instant", "avg", "min", "max", "interval", "min-time",
-                                     "max-time"};
+constexpr const char *kCounters[] = {"instant",  "avg",      "min",     "max",
+                                     "interval", "min-time", "max-time"};
 constexpr std::size_t kNodesPerCpu = 4 + 8 * 8;
 constexpr std::size_t kNodesPerAlarm = 9;
 

@@ -21,15 +21,15 @@ extern "C" {
 
 typedef uint32_t cerrno;
 
-#define YFW_SUCCESS                 ((cerrno)0u)
-#define YFW_ERR_INVALID_ARGS        ((cerrno)0xaaf2a000u)
-#define YFW_ERR_BAD_TREE            ((cerrno)0xaaf29e00u)
-#define YFW_ERR_UNSUPPORTED_TAG     ((cerrno)0xaaf2ee00u)
-#define YFW_ERR_LIST_KEY            ((cerrno)0xaaf2f000u)
-#define YFW_ERR_KEY_DELETE          ((cerrno)0xaaf2f200u)
-#define YFW_ERR_BAD_VALUE           ((cerrno)0xaaf2f400u)
+#define YFW_SUCCESS ((cerrno)0u)
+#define YFW_ERR_INVALID_ARGS ((cerrno)0xaaf2a000u)
+#define YFW_ERR_BAD_TREE ((cerrno)0xaaf29e00u)
+#define YFW_ERR_UNSUPPORTED_TAG ((cerrno)0xaaf2ee00u)
+#define YFW_ERR_LIST_KEY ((cerrno)0xaaf2f000u)
+#define YFW_ERR_KEY_DELETE ((cerrno)0xaaf2f200u)
+#define YFW_ERR_BAD_VALUE ((cerrno)0xaaf2f400u)
 /* Not an error: the node is not to be mapped. Walkers turn it into success. */
-#define YFW_MAP_SKIP_NODE           ((cerrno)0xaaf2f600u)
+#define YFW_MAP_SKIP_NODE ((cerrno)0xaaf2f600u)
 #define YFW_ERR_UNSUPPORTED_AUGMENT ((cerrno)0xaaf2f800u)
 
 /* Result of the safe-string functions. */
@@ -99,34 +99,29 @@ typedef struct tidl_yfw_datatree {
     unsigned int present_node_kind : 1;
 } tidl_yfw_datatree;
 
-static inline void yfw_dt_set_operation(tidl_yfw_datatree *n, int32_t op)
-{
+static inline void yfw_dt_set_operation(tidl_yfw_datatree *n, int32_t op) {
     n->operation = op;
     n->present_operation = 1;
 }
 
-static inline void yfw_dt_set_node_kind(tidl_yfw_datatree *n, int32_t kind)
-{
+static inline void yfw_dt_set_node_kind(tidl_yfw_datatree *n, int32_t kind) {
     n->node_kind = kind;
     n->present_node_kind = 1;
 }
 
-static inline void yfw_dt_set_is_key(tidl_yfw_datatree *n)
-{
+static inline void yfw_dt_set_is_key(tidl_yfw_datatree *n) {
     n->is_key = 1;
     n->present_is_key = 1;
 }
 
 static inline void yfw_dt_set_subtrees(tidl_yfw_datatree *n, tidl_yfw_datatree *subtrees,
-                                       uint32_t count)
-{
+                                       uint32_t count) {
     n->subtrees = subtrees;
     n->subtree_count = count;
     n->present_subtrees = 1;
 }
 
-static inline void yfw_dt_clear_subtrees(tidl_yfw_datatree *n)
-{
+static inline void yfw_dt_clear_subtrees(tidl_yfw_datatree *n) {
     n->subtrees = NULL;
     n->subtree_count = 0;
     n->present_subtrees = 0;
@@ -178,15 +173,15 @@ typedef struct yfw_map_node_data {
 
 /* state_flags */
 #define YFW_MAP_STATE_REPLACE_DELETE 0x40u /* inside the delete pass of a replace */
-#define YFW_MAP_STATE_REPLACE_MERGE  0x80u /* inside the merge pass of a replace */
-#define YFW_MAP_STATE_XPATH_ERROR    0x100u
+#define YFW_MAP_STATE_REPLACE_MERGE 0x80u  /* inside the merge pass of a replace */
+#define YFW_MAP_STATE_XPATH_ERROR 0x100u
 /* filter_flags */
-#define YFW_MAP_FILTER_EXPAND        0x1u     /* expand the present container whole */
-#define YFW_MAP_FILTER_SELECTION     0x2u     /* a selection leaf was seen */
-#define YFW_MAP_FILTER_CONTENT_MATCH 0x4u     /* a content-match leaf was seen */
-#define YFW_MAP_FILTER_CONTENT_SEEN  0x10000u /* ... anywhere in the request */
+#define YFW_MAP_FILTER_EXPAND 0x1u           /* expand the present container whole */
+#define YFW_MAP_FILTER_SELECTION 0x2u        /* a selection leaf was seen */
+#define YFW_MAP_FILTER_CONTENT_MATCH 0x4u    /* a content-match leaf was seen */
+#define YFW_MAP_FILTER_CONTENT_SEEN 0x10000u /* ... anywhere in the request */
 /* The mask the walkers apply when they enter a node; it keeps bit 16. */
-#define YFW_MAP_FILTER_ENTRY_MASK    0x11111110u
+#define YFW_MAP_FILTER_ENTRY_MASK 0x11111110u
 
 typedef struct yfw_map_state {
     yfw_request *request;
@@ -223,20 +218,17 @@ typedef struct yfw_map_ctx {
     struct yfw_map_session *session;
 } yfw_map_ctx;
 
-static inline int yfw_map_is_read_kind(uint32_t kind)
-{
+static inline int yfw_map_is_read_kind(uint32_t kind) {
     return kind == KIND_GET_CONFIG || kind == KIND_GET;
 }
 
 /* Kinds 1, 8 and 15: the kinds below 16 whose bit is set in 0x8102. */
-static inline int yfw_map_is_key_demanding_kind(uint32_t kind)
-{
+static inline int yfw_map_is_key_demanding_kind(uint32_t kind) {
     return kind < 16u && ((0x8102u >> kind) & 1u) != 0u;
 }
 
 /* A request for state alone: operational datastore with any option set. */
-static inline int oper_only(const yfw_map_ctx *ctx)
-{
+static inline int oper_only(const yfw_map_ctx *ctx) {
     const yfw_request *r = ctx->state->request;
     uint32_t word = 0;
     memcpy(&word, &r->option_bits, sizeof word);
@@ -309,15 +301,14 @@ typedef struct yfw_map_itree_entry {
 cerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree,
                                          const char *path, const char *namespace_,
                                          const char *value, const tidl_yfw_datatree *source_node,
-                                         tidl_yfw_datatree **new_node_out,
-                                         uint32_t list_entry_flag, uint32_t augment_flag);
+                                         tidl_yfw_datatree **new_node_out, uint32_t list_entry_flag,
+                                         uint32_t augment_flag);
 cerrno yfw_map_add_leaf_from_xpath(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
                                    tidl_yfw_datatree *out_tree, const char *root_path,
                                    const char *namespace_, const char *const *path_components,
                                    uint32_t component_count);
 cerrno yfw_map_datatree_update_namespace(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree,
-                                         const char *path, const char *namespace_,
-                                         uint32_t zero);
+                                         const char *path, const char *namespace_, uint32_t zero);
 cerrno yfw_map_auto_stitch_list_to_list(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
                                         tidl_yfw_datatree *out_tree, const char *namespace_,
                                         const char *const *path_components,
@@ -325,8 +316,7 @@ cerrno yfw_map_auto_stitch_list_to_list(yfw_map_ctx *ctx, const tidl_yfw_datatre
 cerrno yfw_map_stitch_container_to_list(yfw_map_ctx *ctx, yfw_map_stitch_record *record);
 
 /* Node hierarchy and current list */
-void yfw_map_add_to_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
-                                   uint32_t kind);
+void yfw_map_add_to_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, uint32_t kind);
 void yfw_map_remove_from_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatree *node);
 cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path);
 cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char *key_name,
@@ -342,8 +332,8 @@ void yfw_remove_from_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *
 int yfw_map_is_request_delete(const tidl_yfw_datatree *node);
 int yfw_map_is_request_add(yfw_map_ctx *ctx, const tidl_yfw_datatree *node);
 int yfw_map_do_these_match(const char *a, const char *b);
-cerrno yfw_map_check_oc_leafref(yfw_map_ctx *ctx, const char *list_path,
-                                const char *container_name, const tidl_yfw_datatree *key_node,
+cerrno yfw_map_check_oc_leafref(yfw_map_ctx *ctx, const char *list_path, const char *container_name,
+                                const tidl_yfw_datatree *key_node,
                                 const tidl_yfw_datatree *list_node);
 
 /* Input-tree stack */

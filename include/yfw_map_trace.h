@@ -40,28 +40,27 @@ void yfw_map_print_datatree_internal(yfw_map_ctx *ctx, const tidl_yfw_datatree *
  * still writes its own name); `msg` is a literal that may carry placeholders.
  * The cell belongs to the debug log filter, which keeps its decision there.
  */
-#define YFW_MAP_LOG_(ctx, fn, level, word, msg, ...)                                          \
-    do {                                                                                    \
-        static int32_t yfw_cell_ = -1;                                                      \
-        yfw_map_ctx *const yfw_ctx_ = (ctx);                                                \
-        if (yfw_debug_should_log(&yfw_ctx_->debug_filter, (level)))                         \
-            _qvos_dt_log_filter_adv((level) == YFW_MAP_LEVEL_ERR ? yfw_ctx_->err_log        \
-                                                                 : yfw_ctx_->trace_log,     \
-                                    0, 0, 0, 0, 0, &yfw_cell_, word ": YFW: ctx=%p," msg,   \
-                                    (void *)yfw_ctx_, ##__VA_ARGS__);                       \
-        if (yfw_ctx_->trace_on) {                                                           \
-            char yfw_buf_[YFW_MAP_TRACE_BUF];                                               \
-            snprintf(yfw_buf_, sizeof yfw_buf_, "#%u: " word ": %s:%d ctx=%p," msg,         \
-                     ret_nc_yfw_trace_index_incr(), (fn), __LINE__, (void *)yfw_ctx_,       \
-                     ##__VA_ARGS__);                                                        \
-            _lstrace(yfw_ctx_->lstrace_handle, YFW_MAP_LSTRACE_FLAGS, yfw_buf_);            \
-        }                                                                                   \
+#define YFW_MAP_LOG_(ctx, fn, level, word, msg, ...)                                               \
+    do {                                                                                           \
+        static int32_t yfw_cell_ = -1;                                                             \
+        yfw_map_ctx *const yfw_ctx_ = (ctx);                                                       \
+        if (yfw_debug_should_log(&yfw_ctx_->debug_filter, (level)))                                \
+            _qvos_dt_log_filter_adv(                                                               \
+                (level) == YFW_MAP_LEVEL_ERR ? yfw_ctx_->err_log : yfw_ctx_->trace_log, 0, 0, 0,   \
+                0, 0, &yfw_cell_, word ": YFW: ctx=%p," msg, (void *)yfw_ctx_, ##__VA_ARGS__);     \
+        if (yfw_ctx_->trace_on) {                                                                  \
+            char yfw_buf_[YFW_MAP_TRACE_BUF];                                                      \
+            snprintf(yfw_buf_, sizeof yfw_buf_, "#%u: " word ": %s:%d ctx=%p," msg,                \
+                     ret_nc_yfw_trace_index_incr(), (fn), __LINE__, (void *)yfw_ctx_,              \
+                     ##__VA_ARGS__);                                                               \
+            _lstrace(yfw_ctx_->lstrace_handle, YFW_MAP_LSTRACE_FLAGS, yfw_buf_);                   \
+        }                                                                                          \
     } while (0)
 
 /* A trace line (level 3) and an error line (level 0). */
-#define YFW_MAP_TRC(ctx, fn, msg, ...) \
+#define YFW_MAP_TRC(ctx, fn, msg, ...)                                                             \
     YFW_MAP_LOG_(ctx, fn, YFW_MAP_LEVEL_TRC, "TRC", msg, ##__VA_ARGS__)
-#define YFW_MAP_ERR(ctx, fn, msg, ...) \
+#define YFW_MAP_ERR(ctx, fn, msg, ...)                                                             \
     YFW_MAP_LOG_(ctx, fn, YFW_MAP_LEVEL_ERR, "ERR", msg, ##__VA_ARGS__)
 
 #endif /* YFW_MAP_TRACE_H */

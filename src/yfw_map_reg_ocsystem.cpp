@@ -44,8 +44,8 @@ struct Tree {
     X(yfw_map_reg_ocsystem_dns_cfg,      "OC system dns config tree",    NS_IP_DOMAIN_CFG,           "ip-domain",   ymap_qo_ocsystem_tarvexqvipdomaincfg_lvla_ipdomain,                             0)
 // clang-format on
 
-#define YMAP_TREE_STRINGS_FIT_(fn, label, ns, root, walker, flags)                              \
-    static_assert(sizeof(label) <= YFW_MAP_REG_TEXT && sizeof(ns) <= YFW_MAP_REG_TEXT &&        \
+#define YMAP_TREE_STRINGS_FIT_(fn, label, ns, root, walker, flags)                                 \
+    static_assert(sizeof(label) <= YFW_MAP_REG_TEXT && sizeof(ns) <= YFW_MAP_REG_TEXT &&           \
                   sizeof(root) <= YFW_MAP_REG_TEXT);
 YMAP_TREES(YMAP_TREE_STRINGS_FIT_)
 #undef YMAP_TREE_STRINGS_FIT_
@@ -74,13 +74,15 @@ void fill(yfw_map_reg_mod_t *reg, const Tree &tree) {
 
 } // namespace
 
-#define YMAP_TREE_REGISTRATION_(fn, label, ns, root, walker, flags)                             \
-    extern "C" YMAP_EXPORT void fn(yfw_map_reg_mod_t *reg) {                                    \
-        fill(reg, Tree{label, ns, root, &walker, flags});                                       \
+#define YMAP_TREE_REGISTRATION_(fn, label, ns, root, walker, flags)                                \
+    extern "C" YMAP_EXPORT void fn(yfw_map_reg_mod_t *reg) {                                       \
+        fill(reg, Tree{label, ns, root, &walker, flags});                                          \
     }
 YMAP_TREES(YMAP_TREE_REGISTRATION_)
 #undef YMAP_TREE_REGISTRATION_
 
 // Nothing is set up at load or torn down at unload.
-extern "C" YMAP_EXPORT cerrno yfw_ocsystem_init(void) { return YFW_SUCCESS; }
+extern "C" YMAP_EXPORT cerrno yfw_ocsystem_init(void) {
+    return YFW_SUCCESS;
+}
 extern "C" YMAP_EXPORT void yfw_ocsystem_cleanup(void) {}

@@ -16,10 +16,10 @@
 
 // Every function of the library begins with this assertion; it stays on in
 // release builds, since a null context is a programming fault of the caller.
-#define YMAP_ASSERT_CTX(ctx)                                                                  \
-    do {                                                                                    \
-        if ((ctx) == nullptr)                                                               \
-            ::ymap::assertion_failed("NULL != ctx", __FILE__, __LINE__, __func__);          \
+#define YMAP_ASSERT_CTX(ctx)                                                                       \
+    do {                                                                                           \
+        if ((ctx) == nullptr)                                                                      \
+            ::ymap::assertion_failed("NULL != ctx", __FILE__, __LINE__, __func__);                 \
     } while (0)
 
 namespace ymap {
@@ -28,13 +28,18 @@ namespace ymap {
 
 using ContMapperFn = cerrno (*)(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
                                 tidl_yfw_datatree *out_tree);
-using MapperFn = cerrno (*)(yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-                            tidl_yfw_datatree *out_tree);
+using MapperFn = cerrno (*)(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree);
 using WalkerFn = yfw_map_walker_fn;
 
-inline uint32_t request_kind(const yfw_map_ctx *ctx) { return ctx->state->request->request_kind; }
-inline bool read_kind(const yfw_map_ctx *ctx) { return yfw_map_is_read_kind(request_kind(ctx)); }
-inline bool text_equal(const char *a, const char *b) { return yfw_map_do_these_match(a, b) != 0; }
+inline uint32_t request_kind(const yfw_map_ctx *ctx) {
+    return ctx->state->request->request_kind;
+}
+inline bool read_kind(const yfw_map_ctx *ctx) {
+    return yfw_map_is_read_kind(request_kind(ctx));
+}
+inline bool text_equal(const char *a, const char *b) {
+    return yfw_map_do_these_match(a, b) != 0;
+}
 
 // ---- The frame --------------------------------------------------------------
 
@@ -110,8 +115,8 @@ struct MapperRow {
     const char *path = nullptr;   // target path
     const char *ns = nullptr;     // target namespace
     const char *second = nullptr; // the state path, or the fixed key path of a Mapped container
-    const char *second_value = nullptr;         // the fixed key value
-    const char *const *components = nullptr;    // path pieces, the first is the root
+    const char *second_value = nullptr;      // the fixed key value
+    const char *const *components = nullptr; // path pieces, the first is the root
     uint32_t component_count = 0;
     MapperFn hand = nullptr;
     ContMapperFn hand_count = nullptr;
@@ -170,15 +175,15 @@ struct WalkerRow {
     WalkerFn augment_parser = nullptr;
     const char *list_path = nullptr;
     std::array<const char *, 2> keys = {}; // key tags of a list, in key order
-    void (*on_enter)() = nullptr; // a root walker's own step ahead of the walk
+    void (*on_enter)() = nullptr;          // a root walker's own step ahead of the walk
 };
 
 cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                   tidl_yfw_datatree *out_tree);
 
 // The catch-all mappers of a module.
-cerrno duck_container(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-                      uint32_t count, tidl_yfw_datatree *out_tree);
+cerrno duck_container(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
+                      tidl_yfw_datatree *out_tree);
 cerrno duck_pass(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                  tidl_yfw_datatree *out_tree);
 cerrno duck_refuse(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,

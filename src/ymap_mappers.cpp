@@ -42,7 +42,9 @@ cerrno add_value(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree, const char *path
 
 namespace {
 
-uint32_t flag(const MapperRow &row, uint16_t bit) { return (row.flags & bit) != 0 ? 1u : 0u; }
+uint32_t flag(const MapperRow &row, uint16_t bit) {
+    return (row.flags & bit) != 0 ? 1u : 0u;
+}
 
 // Path pieces go to the framework from the stack, as the framework may keep
 // the array only for the call.
@@ -106,9 +108,9 @@ cerrno list_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
                  tidl_yfw_datatree *out_tree) {
     switch (row.form) {
     case Form::Entry:
-        return yfw_map_datatree_add_path_flagged(
-            ctx, out_tree, row.path, row.ns, nullptr,
-            yfw_map_is_request_delete(node) ? node : nullptr, nullptr, 1, flag(row, kAugment));
+        return yfw_map_datatree_add_path_flagged(ctx, out_tree, row.path, row.ns, nullptr,
+                                                 yfw_map_is_request_delete(node) ? node : nullptr,
+                                                 nullptr, 1, flag(row, kAugment));
     case Form::Stitched:
         return stitch(row, ctx, node, out_tree);
     case Form::Table:
@@ -127,7 +129,8 @@ cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
     switch (row.form) {
     case Form::Automatic: {
         if (row.family == Family::Oq) { // a write-capable leaf
-            cerrno status = add_three_way(ctx, node, out_tree, row.path, row.ns, list_entry, augment);
+            cerrno status =
+                add_three_way(ctx, node, out_tree, row.path, row.ns, list_entry, augment);
             if ((row.flags & kTwice) != 0)
                 status = add_three_way(ctx, node, out_tree, row.path, row.ns, list_entry, augment);
             return status;
@@ -137,7 +140,8 @@ cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
         const int repeats = (row.flags & kTwice) != 0 ? 2 : 1;
         for (int i = 0; i < repeats; ++i)
             if ((row.flags & kUnlessOperOnly) == 0 || !oper_only(ctx))
-                status = add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
+                status =
+                    add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
         return status;
     }
     case Form::ConfigState: {

@@ -29,7 +29,7 @@
 #define NS_OC_SYSTEM_OPER YMAP_NATIVE_NS("Tarvex-QV-PRIVATE-oc-system-oper")
 #define NS_OC_DNS_OPER YMAP_NATIVE_NS("Tarvex-QV-PRIVATE-oc-dns-oper")
 #define NS_NTP_TELEMETRY_OPER YMAP_NATIVE_NS("Tarvex-QV-PRIVATE-ocsystem-ntp-telemetry-oper")
-#define NS_MESSAGES_TELEMETRY_OPER \
+#define NS_MESSAGES_TELEMETRY_OPER                                                                 \
     YMAP_NATIVE_NS("Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper")
 #define NS_OCTELNET_OPER YMAP_NATIVE_NS("Tarvex-QV-PRIVATE-octelnet-oper")
 #define NS_OC_EMS_OPER YMAP_NATIVE_NS("Tarvex-QV-PRIVATE-oc-ems-oper")

@@ -9,11 +9,10 @@ using ymap::text_equal;
 
 // The augment parser of all of /system. An unknown namespace is logged and
 // dropped here rather than refused: only the gRPC augment has a place to go.
-extern "C" YMAP_EXPORT cerrno
-ymap_oq_ocsystem_openconfigsystem_lvla_system_parse_augments(yfw_map_ctx *ctx,
-                                                             tidl_yfw_datatree *node,
-                                                             tidl_yfw_datatree *out_tree) {
-    static constexpr const char *name = "ymap_oq_ocsystem_openconfigsystem_lvla_system_parse_augments";
+extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_lvla_system_parse_augments(
+    yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree) {
+    static constexpr const char *name =
+        "ymap_oq_ocsystem_openconfigsystem_lvla_system_parse_augments";
     return framed(ctx, name, node, out_tree, [&] {
         const char *ns = node->namespace_;
         YFW_MAP_TRC(ctx, name, "namespace: %s", ns != nullptr ? ns : "(none)");
@@ -45,9 +44,8 @@ cerrno config_banner(yfw_map_ctx *ctx, const char *name, tidl_yfw_datatree *node
             return add_value(ctx, out_tree, "/banners/banner/banner-text", NS_INFRA_INFRA_CFG,
                              node->value);
         if (yfw_map_is_request_delete(node)) {
-            (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner",
-                                                    NS_INFRA_INFRA_CFG, nullptr, node, nullptr, 1,
-                                                    0);
+            (void)yfw_map_datatree_add_path_flagged(
+                ctx, out_tree, "/banners/banner", NS_INFRA_INFRA_CFG, nullptr, node, nullptr, 1, 0);
             (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-name",
                                                     NS_INFRA_INFRA_CFG, banner, node, nullptr, 1,
                                                     0);
@@ -56,8 +54,8 @@ cerrno config_banner(yfw_map_ctx *ctx, const char *name, tidl_yfw_datatree *node
                                                      NS_INFRA_INFRA_CFG, banner, node, nullptr, 0,
                                                      0);
         }
-        (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner",
-                                                NS_INFRA_INFRA_CFG, nullptr, nullptr, nullptr, 1, 0);
+        (void)yfw_map_datatree_add_path_flagged(
+            ctx, out_tree, "/banners/banner", NS_INFRA_INFRA_CFG, nullptr, nullptr, nullptr, 1, 0);
         (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-name",
                                                 NS_INFRA_INFRA_CFG, banner, nullptr, nullptr, 1, 0);
         return yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-text",
@@ -117,7 +115,7 @@ extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_clock_config_tim
                                                 NS_INFRA_CLOCK_LINUX_CFG, node->value, node,
                                                 nullptr, 0, 0);
         // The native name is created empty: the OpenConfig name is the area name.
-        return add_value(ctx, out_tree, "/clock/time-zone/time-zone-name",
-                         NS_INFRA_CLOCK_LINUX_CFG, nullptr);
+        return add_value(ctx, out_tree, "/clock/time-zone/time-zone-name", NS_INFRA_CLOCK_LINUX_CFG,
+                         nullptr);
     });
 }

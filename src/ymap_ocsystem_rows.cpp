@@ -18,7 +18,11 @@ constexpr const WalkerRow *kWalkers[] = {
 
 } // namespace
 
-std::span<const MapperRow *const> all_mapper_rows() { return kMappers; }
-std::span<const WalkerRow *const> all_walker_rows() { return kWalkers; }
+std::span<const MapperRow *const> all_mapper_rows() {
+    return kMappers;
+}
+std::span<const WalkerRow *const> all_walker_rows() {
+    return kWalkers;
+}
 
 } // namespace ymap

@@ -17,6 +17,9 @@
 #include "ymap_frame.hpp"
 #include "ymap_namespaces.hpp"
 
+// The macros keep their hand alignment.
+// clang-format off
+
 #define YMAP_PASTE_(a, b) a##b
 #define YMAP_PASTE(a, b) YMAP_PASTE_(a, b)
 #define YMAP_STR_(x) #x
@@ -286,3 +289,4 @@
 #define YMAP_AUG_LIST_GEN(parser) &::ymap::rows::YMAP_ROW(parser),
 #define YMAP_AUG_LIST_HAND(parser)
 #define YMAP_WALK_WALKER_LIST(fn, parser, aug, ...) &::ymap::rows::YMAP_ROW(fn), YMAP_AUG_LIST_##aug(parser)
+// clang-format on

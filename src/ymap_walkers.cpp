@@ -81,7 +81,9 @@ cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status) {
     return status;
 }
 
-cerrno skip_is_success(cerrno status) { return status == YFW_MAP_SKIP_NODE ? YFW_SUCCESS : status; }
+cerrno skip_is_success(cerrno status) {
+    return status == YFW_MAP_SKIP_NODE ? YFW_SUCCESS : status;
+}
 
 // An own-namespace tag with no mapping in an OpenConfig request: passed over
 // in a read, refused in a write.
@@ -226,7 +228,8 @@ private:
 class LowerDelete {
 public:
     explicit LowerDelete(tidl_yfw_datatree *node)
-        : node_(node), lowered_(yfw_map_is_request_delete(node) && own_operation_is(node, OP_DELETE)) {
+        : node_(node),
+          lowered_(yfw_map_is_request_delete(node) && own_operation_is(node, OP_DELETE)) {
         if (lowered_)
             yfw_dt_set_operation(node_, OP_REMOVE);
     }

@@ -6,7 +6,9 @@
 
 namespace ymap {
 
-const char *xpath_node_value(const tidl_yfw_datatree *node) { return node->value; }
+const char *xpath_node_value(const tidl_yfw_datatree *node) {
+    return node->value;
+}
 
 namespace {
 
@@ -46,13 +48,13 @@ cerrno run_list_table(const XpathTable &table, yfw_map_ctx *ctx, tidl_yfw_datatr
     const tidl_yfw_datatree *source = yfw_map_is_request_delete(node) ? node : nullptr;
     const bool read = read_kind(ctx);
     return add_selected(local, [&](const xpath_list_type_t &row) {
-        cerrno status = yfw_map_datatree_add_path_flagged(ctx, out_tree, row.xpath, row.namespace_,
-                                                          nullptr, source, nullptr, 1,
-                                                          row.augment_flag);
+        cerrno status =
+            yfw_map_datatree_add_path_flagged(ctx, out_tree, row.xpath, row.namespace_, nullptr,
+                                              source, nullptr, 1, row.augment_flag);
         if (read && has_second(row))
-            status = yfw_map_datatree_add_path_flagged(ctx, out_tree, row.second_xpath,
-                                                       row.namespace_, nullptr, nullptr, nullptr,
-                                                       1, row.augment_flag);
+            status =
+                yfw_map_datatree_add_path_flagged(ctx, out_tree, row.second_xpath, row.namespace_,
+                                                  nullptr, nullptr, nullptr, 1, row.augment_flag);
         return status;
     });
 }
@@ -65,8 +67,8 @@ cerrno run_leaf_table(const XpathTable &table, yfw_map_ctx *ctx, tidl_yfw_datatr
     if (read_kind(ctx))
         return add_selected(local, [&](const xpath_list_type_t &row) {
             const char *value = row.value_fn(node);
-            cerrno status = add_value(ctx, out_tree, row.xpath, row.namespace_, value, 0,
-                                      row.augment_flag);
+            cerrno status =
+                add_value(ctx, out_tree, row.xpath, row.namespace_, value, 0, row.augment_flag);
             if (has_second(row))
                 status = add_value(ctx, out_tree, row.second_xpath, row.namespace_, value, 0,
                                    row.augment_flag);

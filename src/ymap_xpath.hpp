@@ -30,7 +30,8 @@ struct XpathTable {
 const char *xpath_node_value(const tidl_yfw_datatree *node);
 
 // The row that closes every table.
-#define YMAP_XPATH_CLOSING_ROW {"NULL", "NULL", nullptr, 0, 0, "None"}
+#define YMAP_XPATH_CLOSING_ROW                                                                     \
+    { "NULL", "NULL", nullptr, 0, 0, "None" }
 
 // The table forms of a list and of a leaf mapper.
 cerrno run_list_table(const XpathTable &table, yfw_map_ctx *ctx, tidl_yfw_datatree *node,

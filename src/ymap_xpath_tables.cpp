@@ -130,26 +130,26 @@ constexpr xpath_list_type_t k_qv_oc_ntp_assoc_type[] = {
 
 } // namespace
 
-#define YMAP_XPATH_TABLES(X) \
-    X(oc_qv_system_dns_servers_server) \
-    X(oc_qv_server_list_call_back) \
-    X(oc_qv_ntp_version) \
-    X(oc_qv_ntp_assoc_type) \
-    X(oc_qv_ntp_iburst) \
-    X(oc_qv_ntp_prefer) \
-    X(oc_qv_host_type_check_call_back) \
-    X(oc_qv_host_type_check_call_back_leaf) \
-    X(oc_qv_port_type_check_call_back) \
-    X(oc_qv_selector_severity_type_check_call_back) \
-    X(oc_qv_ipv4_vrf_list) \
-    X(oc_qv_ipv4_vrf_vrfname) \
-    X(oc_qv_ipv6_vrf_list) \
-    X(oc_qv_ipv6_vrf_vrfname) \
-    X(qv_oc_selector_severity_type_check_call_back) \
-    X(qv_oc_port_type_check_call_back) \
-    X(qv_oc_host_type_check_call_back) \
-    X(qv_oc_server_ipv4_ipv6_address) \
-    X(qv_oc_ntp_version) \
+#define YMAP_XPATH_TABLES(X)                                                                       \
+    X(oc_qv_system_dns_servers_server)                                                             \
+    X(oc_qv_server_list_call_back)                                                                 \
+    X(oc_qv_ntp_version)                                                                           \
+    X(oc_qv_ntp_assoc_type)                                                                        \
+    X(oc_qv_ntp_iburst)                                                                            \
+    X(oc_qv_ntp_prefer)                                                                            \
+    X(oc_qv_host_type_check_call_back)                                                             \
+    X(oc_qv_host_type_check_call_back_leaf)                                                        \
+    X(oc_qv_port_type_check_call_back)                                                             \
+    X(oc_qv_selector_severity_type_check_call_back)                                                \
+    X(oc_qv_ipv4_vrf_list)                                                                         \
+    X(oc_qv_ipv4_vrf_vrfname)                                                                      \
+    X(oc_qv_ipv6_vrf_list)                                                                         \
+    X(oc_qv_ipv6_vrf_vrfname)                                                                      \
+    X(qv_oc_selector_severity_type_check_call_back)                                                \
+    X(qv_oc_port_type_check_call_back)                                                             \
+    X(qv_oc_host_type_check_call_back)                                                             \
+    X(qv_oc_server_ipv4_ipv6_address)                                                              \
+    X(qv_oc_ntp_version)                                                                           \
     X(qv_oc_ntp_assoc_type)
 
 #define YMAP_TABLE_(user) const std::span<const xpath_list_type_t> user = k_##user;

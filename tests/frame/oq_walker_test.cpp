@@ -133,8 +133,9 @@ TEST(OqWalker, ForeignNodeInAnEditIsAnUnsupportedAugment) {
     EXPECT_EQ(r.error_tag(), "q");
     // A delete of it is no add: passed over.
     Request del(KIND_EDIT_A);
-    EXPECT_EQ(del.run(kTop, top("<config><q xmlns=\"urn:other\" nc:operation=\"remove\"/></config>")),
-              YFW_SUCCESS);
+    EXPECT_EQ(
+        del.run(kTop, top("<config><q xmlns=\"urn:other\" nc:operation=\"remove\"/></config>")),
+        YFW_SUCCESS);
 }
 
 TEST(OqWalker, NullTagIsABadTree) {
@@ -207,17 +208,26 @@ TEST_P(KeyValidation, StatusAndReport) {
 INSTANTIATE_TEST_SUITE_P(
     Kinds, KeyValidation,
     ::testing::Values(
-        KeyCase{"edit_a_with_key", KIND_EDIT_A, "<lst><name>a</name><config><text>t</text></config></lst>", YFW_SUCCESS},
-        KeyCase{"edit_a_without_key", KIND_EDIT_A, "<lst><config><text>t</text></config></lst>", YFW_ERR_LIST_KEY, "name"},
-        KeyCase{"edit_b_without_key", KIND_EDIT_B, "<lst><config><text>t</text></config></lst>", YFW_ERR_LIST_KEY, "name"},
-        KeyCase{"edit_c_two_keys", KIND_EDIT_C, "<lst><name>a</name><name>b</name></lst>", YFW_ERR_LIST_KEY, "name"},
-        KeyCase{"edit_b_empty_value_is_a_value", KIND_EDIT_B, "<lst><name/><config/></lst>", YFW_SUCCESS},
+        KeyCase{"edit_a_with_key", KIND_EDIT_A,
+                "<lst><name>a</name><config><text>t</text></config></lst>", YFW_SUCCESS},
+        KeyCase{"edit_a_without_key", KIND_EDIT_A, "<lst><config><text>t</text></config></lst>",
+                YFW_ERR_LIST_KEY, "name"},
+        KeyCase{"edit_b_without_key", KIND_EDIT_B, "<lst><config><text>t</text></config></lst>",
+                YFW_ERR_LIST_KEY, "name"},
+        KeyCase{"edit_c_two_keys", KIND_EDIT_C, "<lst><name>a</name><name>b</name></lst>",
+                YFW_ERR_LIST_KEY, "name"},
+        KeyCase{"edit_b_empty_value_is_a_value", KIND_EDIT_B, "<lst><name/><config/></lst>",
+                YFW_SUCCESS},
         KeyCase{"other_kind_no_key", 3, "<lst><config><text>t</text></config></lst>", YFW_SUCCESS},
         KeyCase{"read_no_key", KIND_GET_CONFIG, "<lst><config><text/></config></lst>", YFW_SUCCESS},
-        KeyCase{"key_with_delete", KIND_EDIT_A, "<lst><name nc:operation=\"delete\">a</name></lst>", YFW_ERR_KEY_DELETE},
-        KeyCase{"leafref_mismatch", KIND_EDIT_A, "<lst><name>a</name><config><name>b</name></config></lst>", YFW_ERR_LIST_KEY},
-        KeyCase{"leafref_match", KIND_EDIT_A, "<lst><name>a</name><config><name>a</name></config></lst>", YFW_SUCCESS},
-        KeyCase{"state_in_a_write", KIND_EDIT_A, "<lst><name>a</name><state/></lst>", YFW_ERR_UNSUPPORTED_TAG, "state"}),
+        KeyCase{"key_with_delete", KIND_EDIT_A, "<lst><name nc:operation=\"delete\">a</name></lst>",
+                YFW_ERR_KEY_DELETE},
+        KeyCase{"leafref_mismatch", KIND_EDIT_A,
+                "<lst><name>a</name><config><name>b</name></config></lst>", YFW_ERR_LIST_KEY},
+        KeyCase{"leafref_match", KIND_EDIT_A,
+                "<lst><name>a</name><config><name>a</name></config></lst>", YFW_SUCCESS},
+        KeyCase{"state_in_a_write", KIND_EDIT_A, "<lst><name>a</name><state/></lst>",
+                YFW_ERR_UNSUPPORTED_TAG, "state"}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(OqListWalker, EditCarriesKeyAndContentIntoTheOutputEntry) {
@@ -277,15 +287,15 @@ TEST(OqListWalker, ReadOfAnEntryByKeyAloneExpandsIt) {
 
 TEST(OqListWalker, ReplaceOfAnEntryDeletesItWholeThenMerges) {
     Request r(KIND_EDIT_A);
-    tidl_yfw_datatree *in =
-        r.input(top("<lst nc:operation=\"replace\"><name>motd</name><config><text>new</text></config></lst>"));
+    tidl_yfw_datatree *in = r.input(top(
+        "<lst nc:operation=\"replace\"><name>motd</name><config><text>new</text></config></lst>"));
     ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
     EXPECT_EQ(in->subtrees[0].operation, OP_MERGE);
     // The first pass removes the entry; the second merges its content into it.
-    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners +
-                             "/banner[banner-name='motd'] @remove\n" + kBanners +
-                             "/banner[banner-name='motd']/banner-name = \"motd\" @merge\n" + kBanners +
-                             "/banner[banner-name='motd']/banner-text = \"new\" @merge\n");
+    EXPECT_EQ(r.paths(),
+              std::string(kBanners) + "\n" + kBanners + "/banner[banner-name='motd'] @remove\n" +
+                  kBanners + "/banner[banner-name='motd']/banner-name = \"motd\" @merge\n" +
+                  kBanners + "/banner[banner-name='motd']/banner-text = \"new\" @merge\n");
     r.expect_state_restored();
 }
 

@@ -58,10 +58,10 @@ TEST(QoWalker, XpathErrorNodeIsMarkedAndStillMapped) {
 
 TEST(QoListWalker, MarksKeysOpensAnOutputListPerEntryAndClosesIt) {
     Request r(KIND_GET);
-    tidl_yfw_datatree *in = r.input(
-        "<banners xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-infra-infra-cfg\">"
-        "<banner><banner-name>login</banner-name><banner-text>hello</banner-text></banner>"
-        "</banners>");
+    tidl_yfw_datatree *in =
+        r.input("<banners xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-infra-infra-cfg\">"
+                "<banner><banner-name>login</banner-name><banner-text>hello</banner-text></banner>"
+                "</banners>");
     ASSERT_EQ(kBanners(r.ctx(), in, r.session().output()), YFW_SUCCESS);
     EXPECT_EQ(in->subtrees[0].subtrees[0].is_key, 1);
     EXPECT_EQ(in->subtrees[0].subtrees[1].is_key, 0);
@@ -84,9 +84,9 @@ TEST(Mappers, NullArgumentsAreRefusedWithTheErrorPathAndNoEndLine) {
     tidl_yfw_datatree *in = r.input(host_names(""));
     EXPECT_EQ(ymap_qo_ocsystem_tarvexqvshellutilcfg_cont_lvla_hostnames(r.ctx(), in, 0, nullptr),
               YFW_ERR_INVALID_ARGS);
-    EXPECT_EQ(ymap_oq_ocsystem_openconfigsystem_leaf_lvla_system_config_hostname(r.ctx(), nullptr,
-                                                                                 in),
-              YFW_ERR_INVALID_ARGS);
+    EXPECT_EQ(
+        ymap_oq_ocsystem_openconfigsystem_leaf_lvla_system_config_hostname(r.ctx(), nullptr, in),
+        YFW_ERR_INVALID_ARGS);
     const auto &log = r.session().debug_log();
     EXPECT_EQ(test::count_lines(log, "Invalid arguments passed!"), 2);
     EXPECT_EQ(test::count_lines(log, ",End"), 0);
@@ -99,12 +99,12 @@ TEST(Mappers, DuckLeafOfTheOpenConfigModuleRefusesAndNativeOnesPass) {
     EXPECT_EQ(ymap_oq_ocsystem_openconfigsystem_duck_map_leaf(r.ctx(), in, r.session().output()),
               YFW_ERR_UNSUPPORTED_TAG);
     EXPECT_EQ(r.error_tag(), "system");
-    EXPECT_EQ(ymap_qo_ocsystem_tarvexqvshellutilcfg_duck_map_leaf(r.ctx(), in,
-                                                                   r.session().output()),
-              YFW_SUCCESS);
-    EXPECT_EQ(ymap_oq_ocsystem_openconfigsystem_duck_map_container(r.ctx(), in, 3,
-                                                                    r.session().output()),
-              YFW_SUCCESS);
+    EXPECT_EQ(
+        ymap_qo_ocsystem_tarvexqvshellutilcfg_duck_map_leaf(r.ctx(), in, r.session().output()),
+        YFW_SUCCESS);
+    EXPECT_EQ(
+        ymap_oq_ocsystem_openconfigsystem_duck_map_container(r.ctx(), in, 3, r.session().output()),
+        YFW_SUCCESS);
 }
 
 TEST(Mappers, AnErrorTagSetTwiceIsReleasedFirst) {

@@ -30,10 +30,10 @@ TEST(Rows, NamesAreUniqueAndFollowTheNamingRule) {
                            : row->kind == ymap::MapperKind::List    ? "_list_lvl"
                                                                     : "_leaf_lvl";
         EXPECT_NE(name.find(kind), std::string::npos) << name;
-        EXPECT_EQ(name.rfind(row->family == ymap::Family::Oq ? "ymap_oq_ocsystem_"
-                                                               : "ymap_qo_ocsystem_",
-                             0),
-                  0u)
+        EXPECT_EQ(
+            name.rfind(row->family == ymap::Family::Oq ? "ymap_oq_ocsystem_" : "ymap_qo_ocsystem_",
+                       0),
+            0u)
             << name;
     }
     for (const ymap::WalkerRow *row : ymap::all_walker_rows()) {
@@ -51,8 +51,9 @@ TEST(Rows, EveryEntryPointIsExportedByTheLibrary) {
     for (const ymap::WalkerRow *row : ymap::all_walker_rows())
         EXPECT_NE(dlsym(lib, row->name), nullptr) << row->name;
     // Nothing of the frame itself leaks out.
-    EXPECT_EQ(dlsym(lib, "_ZN4ymap10run_walkerERKNS_9WalkerRowEP11yfw_map_ctxP17tidl_yfw_datatreeS6_"),
-              nullptr);
+    EXPECT_EQ(
+        dlsym(lib, "_ZN4ymap10run_walkerERKNS_9WalkerRowEP11yfw_map_ctxP17tidl_yfw_datatreeS6_"),
+        nullptr);
     dlclose(lib);
 }
 
@@ -115,7 +116,8 @@ TEST(Rows, WalkersAreComplete) {
             if (row->family == ymap::Family::Oq) {
                 EXPECT_NE(c.walk, nullptr) << c.tag;
             } else {
-                EXPECT_TRUE(c.walk != nullptr || (c.leaf_name != nullptr && c.leaf_mapper != nullptr))
+                EXPECT_TRUE(c.walk != nullptr ||
+                            (c.leaf_name != nullptr && c.leaf_mapper != nullptr))
                     << c.tag;
             }
         }
@@ -195,8 +197,8 @@ void check_order(const ymap::WalkerRow &row, const std::string &path,
 
 TEST(Rows, OpenConfigChildrenAreSchemaNodesInSchemaOrder) {
     const char *source = std::getenv("OCSYSMAP_SOURCE_DIR");
-    const std::string file =
-        std::string(source != nullptr ? source : ".") + "/../shared/openconfig/openconfig-system.tree";
+    const std::string file = std::string(source != nullptr ? source : ".") +
+                             "/../shared/openconfig/openconfig-system.tree";
     if (!std::ifstream(file))
         GTEST_SKIP() << "no schema tree at " << file;
     const auto schema = read_schema(file);

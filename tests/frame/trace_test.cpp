@@ -15,8 +15,7 @@ TEST(Trace, StartAndEndReachBothSinksInTheirFormats) {
     Request r(KIND_GET_CONFIG);
     r.session().set_debug_log(true);
     r.session().set_ring_trace(true);
-    ASSERT_EQ(r.run(&ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames, kResponse),
-              YFW_SUCCESS);
+    ASSERT_EQ(r.run(&ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames, kResponse), YFW_SUCCESS);
     const auto &debug = r.session().debug_log();
     const auto &ring = r.session().ring_trace();
     ASSERT_FALSE(debug.empty());
@@ -61,8 +60,9 @@ TEST(Trace, ErrorLinesUseTheErrorWord) {
     EXPECT_EQ(ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames(r.ctx(), nullptr,
                                                                    r.session().output()),
               YFW_ERR_INVALID_ARGS);
-    EXPECT_TRUE(std::regex_match(r.session().debug_log().back(),
-                                 std::regex("ERR: YFW: ctx=0x[0-9a-f]+,Invalid arguments passed!")));
+    EXPECT_TRUE(
+        std::regex_match(r.session().debug_log().back(),
+                         std::regex("ERR: YFW: ctx=0x[0-9a-f]+,Invalid arguments passed!")));
     EXPECT_TRUE(std::regex_match(r.session().ring_trace().back(),
                                  std::regex("#[0-9]+: ERR: [a-z_]+:[0-9]+ ctx=0x[0-9a-f]+,"
                                             "Invalid arguments passed!")));

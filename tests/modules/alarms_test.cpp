@@ -62,7 +62,8 @@ TEST(Alarms, GetConfigIsNotWalkedAndAnEditAddsNothing) {
 TEST(Alarms, TheAugmentWalkerKnowsItsTwoLeavesAndRefusesOthersInAnEdit) {
     const std::string failure = "<equipment-failure xmlns=\"http://openconfig.net/yang/alarms\">"
                                 "true</equipment-failure>";
-    const std::string other = "<flapping xmlns=\"http://openconfig.net/yang/alarms\">true</flapping>";
+    const std::string other =
+        "<flapping xmlns=\"http://openconfig.net/yang/alarms\">true</flapping>";
     Request read(KIND_GET);
     EXPECT_EQ(read.run(kAlarmsAugment, failure), YFW_SUCCESS);
     EXPECT_EQ(read.run(kAlarmsAugment, other), YFW_SUCCESS);

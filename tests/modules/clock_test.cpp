@@ -44,12 +44,14 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         Case{"read_names_the_area_only", KIND_GET_CONFIG, clock_config("<timezone-name/>"),
              kClockLine + kZone + "\n" + kZone + "/area-name\n"},
-        Case{"edit_fills_the_area_and_creates_the_zone_name_empty", KIND_EDIT_A,
-             clock_config("<timezone-name>Europe/Berlin</timezone-name>", " nc:operation=\"merge\""),
-             kClockLine + kZone + "\n" + kZone + "/area-name = \"Europe/Berlin\" @merge\n" + kZone +
-                 "/time-zone-name\n"},
+        Case{
+            "edit_fills_the_area_and_creates_the_zone_name_empty", KIND_EDIT_A,
+            clock_config("<timezone-name>Europe/Berlin</timezone-name>", " nc:operation=\"merge\""),
+            kClockLine + kZone + "\n" + kZone + "/area-name = \"Europe/Berlin\" @merge\n" + kZone +
+                "/time-zone-name\n"},
         Case{"leaf_delete_deletes_the_container", KIND_EDIT_A,
-             clock_config("<timezone-name nc:operation=\"delete\"/>"), kClockLine + kZone + " @delete\n"},
+             clock_config("<timezone-name nc:operation=\"delete\"/>"),
+             kClockLine + kZone + " @delete\n"},
         Case{"bare_config_delete_takes_the_time_zone", KIND_EDIT_A,
              clock_config("", " nc:operation=\"delete\""), kClockLine + kZone + " @remove\n"},
         Case{"bare_config_edit_adds_the_container", KIND_EDIT_A, clock_config(""),

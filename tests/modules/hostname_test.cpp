@@ -49,8 +49,8 @@ INSTANTIATE_TEST_SUITE_P(
         // A content-match leaf alone expands config: every leaf of it is read.
         Case{"get_filter_by_value_expands_config", KIND_GET,
              "<config><hostname>r1</hostname></config>",
-             std::string(kNativeHost) + " = \"r1\"\n" + kBanners + "\n" + kBanners +
-                 "/banner\n" + kBanners + "/banner/banner-text\n"},
+             std::string(kNativeHost) + " = \"r1\"\n" + kBanners + "\n" + kBanners + "/banner\n" +
+                 kBanners + "/banner/banner-text\n"},
         Case{"edit_sets", KIND_EDIT_A, "<config><hostname>r1</hostname></config>",
              std::string(kNativeHost) + " = \"r1\"\n"},
         Case{"merge_carries_the_operation", KIND_EDIT_A,
@@ -59,8 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"delete_names_it_without_value", KIND_EDIT_A,
              "<config><hostname nc:operation=\"delete\"/></config>",
              std::string(kNativeHost) + " @delete\n"},
-        Case{"bare_config_delete_walks_it_whole", KIND_EDIT_C,
-             "<config nc:operation=\"delete\"/>",
+        Case{"bare_config_delete_walks_it_whole", KIND_EDIT_C, "<config nc:operation=\"delete\"/>",
              std::string(kNativeHost) + " @remove\n" + kBanners + "\n" + banner("login") +
                  " @remove\n" + banner("login") + "/banner-name = \"login\" @remove\n" +
                  banner("login") + "/banner-text = \"login\" @remove\n" + banner("motd") +
@@ -71,8 +70,7 @@ INSTANTIATE_TEST_SUITE_P(
              std::string(kNativeHost) + " = \" a&b \\\"c\\\" \"\n"},
         Case{"state_leaf_in_an_edit_adds_nothing", KIND_EDIT_A,
              "<state><hostname>r1</hostname></state>", ""},
-        Case{"state_leaf_read_asks_the_private_module", KIND_GET,
-             "<state><hostname/></state>",
+        Case{"state_leaf_read_asks_the_private_module", KIND_GET, "<state><hostname/></state>",
              "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem\n"
              "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system\n"
              "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state\n"

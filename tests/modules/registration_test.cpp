@@ -20,7 +20,10 @@ struct Row {
     uint32_t flags_b;
 };
 
-#define ROW(fn, label, module, root, walker, flags) Row{&fn, label, module, root, &walker, flags}
+#define ROW(fn, label, module, root, walker, flags)                                                \
+    Row {                                                                                          \
+        &fn, label, module, root, &walker, flags                                                   \
+    }
 // clang-format off
 const Row kRows[] = {
     ROW(yfw_map_reg_ocsystem_ssh_conf,    "OC SSH tree",                  "Tarvex-QV-crypto-ssh-cfg",                           "ssh",         ymap_qo_ocsystem_tarvexqvcryptosshcfg_lvla_ssh, 1),
@@ -47,7 +50,9 @@ const Row kRows[] = {
 // clang-format on
 #undef ROW
 
-cerrno framework_walker(yfw_map_ctx *, tidl_yfw_datatree *, tidl_yfw_datatree *) { return 0; }
+cerrno framework_walker(yfw_map_ctx *, tidl_yfw_datatree *, tidl_yfw_datatree *) {
+    return 0;
+}
 
 TEST(Registration, EveryRowFillsItsRecordAndLeavesTheFrameworksPointers) {
     for (const Row &row : kRows) {

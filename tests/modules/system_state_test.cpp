@@ -23,15 +23,14 @@ TEST(SystemState, EveryLeafIsRenamedInGet) {
     Request r(KIND_GET);
     ASSERT_EQ(r.run(kOcSystemOper, kAnswer), YFW_SUCCESS);
     const std::string s = "/openconfig-system:system";
-    EXPECT_EQ(r.paths(), s + "\n" + s + "/state\n" + s + "/state/hostname = \"r1\"\n" + s +
-                             "/state/login-banner = \"in\"\n" + s +
-                             "/state/motd-banner = \"news\"\n" + s +
-                             "/state/current-datetime = \"2026-11-23T01:00:00Z\"\n" + s +
-                             "/state/boot-time = \"1700000000\"\n" + s + "/clock\n" + s +
-                             "/clock/state\n" + s + "/clock/state/timezone-name = \"UTC\"\n" + s +
-                             "/memory\n" + s + "/memory/state\n" + s +
-                             "/memory/state/physical = \"8589934592\"\n" + s +
-                             "/memory/state/reserved = \"1024\"\n");
+    EXPECT_EQ(r.paths(),
+              s + "\n" + s + "/state\n" + s + "/state/hostname = \"r1\"\n" + s +
+                  "/state/login-banner = \"in\"\n" + s + "/state/motd-banner = \"news\"\n" + s +
+                  "/state/current-datetime = \"2026-11-23T01:00:00Z\"\n" + s +
+                  "/state/boot-time = \"1700000000\"\n" + s + "/clock\n" + s + "/clock/state\n" +
+                  s + "/clock/state/timezone-name = \"UTC\"\n" + s + "/memory\n" + s +
+                  "/memory/state\n" + s + "/memory/state/physical = \"8589934592\"\n" + s +
+                  "/memory/state/reserved = \"1024\"\n");
     r.expect_state_restored();
 }
 
@@ -52,14 +51,15 @@ TEST(SystemState, ContainersWithoutStateMapToNothing) {
 
 TEST(SystemState, GetOfTheBareStateContainerAsksTheWholeContainerAndEachLeaf) {
     Request r(KIND_GET);
-    ASSERT_EQ(r.run(kSystem, "<system xmlns=\"http://openconfig.net/yang/system\"><state/></system>"),
-              YFW_SUCCESS);
+    ASSERT_EQ(
+        r.run(kSystem, "<system xmlns=\"http://openconfig.net/yang/system\"><state/></system>"),
+        YFW_SUCCESS);
     const std::string out = r.paths();
     const std::string dns = "/Tarvex-QV-PRIVATE-oc-dns-oper:oc-dns/system/state";
     const std::string sys = "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state/";
-    for (const std::string &line : {dns + "\n", dns + "/domain-name\n", sys + "host-name\n",
-                                    sys + "login-banner\n", sys + "motd-banner\n",
-                                    sys + "current-datetime\n", sys + "boot-time\n"})
+    for (const std::string &line :
+         {dns + "\n", dns + "/domain-name\n", sys + "host-name\n", sys + "login-banner\n",
+          sys + "motd-banner\n", sys + "current-datetime\n", sys + "boot-time\n"})
         EXPECT_NE(out.find(line), std::string::npos) << line << out;
     r.expect_state_restored();
 }
