@@ -199,7 +199,9 @@ std::vector<tidl_yfw_datatree *> parse_json(yfw::Arena &arena, std::string_view 
     std::vector<tidl_yfw_datatree *> roots;
     roots.reserve(doc.size());
     for (std::size_t i = 0; i < doc.size(); ++i) {
-        roots.push_back(builder.root(doc[i], "/" + std::to_string(i)));
+        std::string where = "/"; // appended, not concatenated: g++ 12 -O3 misreads the latter
+        where += std::to_string(i);
+        roots.push_back(builder.root(doc[i], where));
     }
     return roots;
 }
