@@ -1,5 +1,7 @@
 // Hand-written functions of openconfig-system, OpenConfig to native: the root
 // augment parser, the banners and the clock.
+#include <optional>
+
 #include "ymap_ocsystem_modules.h"
 
 using ymap::add_value;
@@ -78,6 +80,26 @@ extern "C" YMAP_EXPORT cerrno oc_system_config_motd_banner(yfw_map_ctx *ctx,
     return config_banner(ctx, __func__, node, out_tree, "motd");
 }
 
+namespace {
+
+constexpr const char kTimeZone[] = "/clock/time-zone";
+constexpr const char kAreaName[] = "/clock/time-zone/area-name";
+
+// What the time zone container and its leaf share: a read reads the area name
+// alone, a delete takes the whole time zone, both leaves with it. Nothing when
+// the request is an edit without delete.
+std::optional<cerrno> read_or_delete_time_zone(yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                                               tidl_yfw_datatree *out_tree) {
+    if (read_kind(ctx))
+        return add_value(ctx, out_tree, kAreaName, NS_INFRA_CLOCK_LINUX_CFG, node->value);
+    if (yfw_map_is_request_delete(node))
+        return yfw_map_datatree_add_path_flagged(ctx, out_tree, kTimeZone, NS_INFRA_CLOCK_LINUX_CFG,
+                                                 nullptr, node, nullptr, 0, 0);
+    return std::nullopt;
+}
+
+} // namespace
+
 // /system/clock/config: named bare, the whole native time zone is meant.
 extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_system_clock_config(
     yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count, tidl_yfw_datatree *out_tree) {
@@ -87,33 +109,21 @@ extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_system_clock_con
             return YFW_SUCCESS;
         }
         YFW_MAP_TRC(ctx, __func__, "No subtrees");
-        if (read_kind(ctx))
-            return add_value(ctx, out_tree, "/clock/time-zone/area-name", NS_INFRA_CLOCK_LINUX_CFG,
-                             node->value);
-        if (yfw_map_is_request_delete(node))
-            return yfw_map_datatree_add_path_flagged(ctx, out_tree, "/clock/time-zone",
-                                                     NS_INFRA_CLOCK_LINUX_CFG, nullptr, node,
-                                                     nullptr, 0, 0);
+        if (const auto done = read_or_delete_time_zone(ctx, node, out_tree))
+            return *done;
         YFW_MAP_TRC(ctx, __func__, "Mapping done for this node");
-        return add_value(ctx, out_tree, "/clock/time-zone", NS_INFRA_CLOCK_LINUX_CFG, nullptr);
+        return add_value(ctx, out_tree, kTimeZone, NS_INFRA_CLOCK_LINUX_CFG, nullptr);
     });
 }
 
-// One OpenConfig name fills the native area name; a read reads only that, and
-// a delete takes the whole time zone, both leaves with it.
+// One OpenConfig name fills the native area name.
 extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_clock_config_timezone(
     yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node, out_tree, [&] {
-        if (read_kind(ctx))
-            return add_value(ctx, out_tree, "/clock/time-zone/area-name", NS_INFRA_CLOCK_LINUX_CFG,
-                             node->value);
-        if (yfw_map_is_request_delete(node))
-            return yfw_map_datatree_add_path_flagged(ctx, out_tree, "/clock/time-zone",
-                                                     NS_INFRA_CLOCK_LINUX_CFG, nullptr, node,
-                                                     nullptr, 0, 0);
-        (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/clock/time-zone/area-name",
-                                                NS_INFRA_CLOCK_LINUX_CFG, node->value, node,
-                                                nullptr, 0, 0);
+        if (const auto done = read_or_delete_time_zone(ctx, node, out_tree))
+            return *done;
+        (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, kAreaName, NS_INFRA_CLOCK_LINUX_CFG,
+                                                node->value, node, nullptr, 0, 0);
         // The native name is created empty: the OpenConfig name is the area name.
         return add_value(ctx, out_tree, "/clock/time-zone/time-zone-name", NS_INFRA_CLOCK_LINUX_CFG,
                          nullptr);

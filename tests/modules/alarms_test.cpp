@@ -11,8 +11,7 @@ constexpr auto kAlarmOper = &ymap_qo_ocsystem_tarvexqvprivatealarmmgrocoper_lvla
 constexpr auto kAlarmsAugment = &ymap_oq_ocsystem_openconfigalarms_augment_lvla_state;
 
 std::string oc(std::string_view alarm) {
-    return "<system xmlns=\"http://openconfig.net/yang/system\"><alarms><alarm>" +
-           std::string(alarm) + "</alarm></alarms></system>";
+    return test::oc_system("<alarms><alarm>" + std::string(alarm) + "</alarm></alarms>");
 }
 const char kAnswer[] =
     "<amfm-edt xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-alarm-mgr-oc-oper\">"

@@ -11,14 +11,11 @@ constexpr auto kBanners = &ymap_qo_ocsystem_tarvexqvinfrainfracfg_lvla_banners;
 constexpr auto kOcSystemOper = &ymap_qo_ocsystem_tarvexqvprivateocsystemoper_lvla_ocsystem;
 
 std::string config(std::string_view body, std::string_view attrs = "") {
-    return "<system xmlns=\"http://openconfig.net/yang/system\" "
-           "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><config" +
-           std::string(attrs) + ">" + std::string(body) + "</config></system>";
+    return test::oc_system("<config" + std::string(attrs) + ">" + std::string(body) + "</config>");
 }
 
 std::string banners(std::string_view entries) {
-    return "<banners xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-infra-infra-cfg\">" +
-           std::string(entries) + "</banners>";
+    return test::native("Tarvex-QV-infra-infra-cfg", "banners", entries);
 }
 
 std::string entry(std::string_view name, std::string_view text) {

@@ -10,13 +10,11 @@ constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
 constexpr auto kClock = &ymap_qo_ocsystem_tarvexqvinfrainfraclocklinuxcfg_lvla_clock;
 
 std::string clock_config(std::string_view body, std::string_view attrs = "") {
-    return "<system xmlns=\"http://openconfig.net/yang/system\" "
-           "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\"><clock><config" +
-           std::string(attrs) + ">" + std::string(body) + "</config></clock></system>";
+    return test::oc_system("<clock><config" + std::string(attrs) + ">" + std::string(body) +
+                           "</config></clock>");
 }
 std::string native(std::string_view body) {
-    return "<clock xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-infra-infra-clock-linux-cfg\">" +
-           std::string(body) + "</clock>";
+    return test::native("Tarvex-QV-infra-infra-clock-linux-cfg", "clock", body);
 }
 
 const std::string kZone = "/Tarvex-QV-infra-infra-clock-linux-cfg:clock/time-zone";

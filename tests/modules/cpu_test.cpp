@@ -10,13 +10,11 @@ constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
 constexpr auto kCpuOper = &ymap_qo_ocsystem_tarvexqvprivateocsystemcpuoper_lvla_ocsystemcpu;
 
 std::string oc(std::string_view cpu) {
-    return "<system xmlns=\"http://openconfig.net/yang/system\"><cpus><cpu>" + std::string(cpu) +
-           "</cpu></cpus></system>";
+    return test::oc_system("<cpus><cpu>" + std::string(cpu) + "</cpu></cpus>");
 }
 std::string native(std::string_view cpus) {
-    return "<ocsystemcpu xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-ocsystem-cpu-oper\">"
-           "<system><cpuses>" +
-           std::string(cpus) + "</cpuses></system></ocsystemcpu>";
+    return test::native("Tarvex-QV-PRIVATE-ocsystem-cpu-oper", "ocsystemcpu",
+                        "<system><cpuses>" + std::string(cpus) + "</cpuses></system>");
 }
 std::string native_cpu(std::string_view index, std::string_view state) {
     return "<cpus><index>" + std::string(index) + "</index><state><index>" + std::string(index) +

@@ -11,11 +11,7 @@ constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
 constexpr auto kHostNames = &ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames;
 constexpr auto kOcSystemOper = &ymap_qo_ocsystem_tarvexqvprivateocsystemoper_lvla_ocsystem;
 
-std::string system(std::string_view body) {
-    return "<system xmlns=\"http://openconfig.net/yang/system\" "
-           "xmlns:nc=\"urn:ietf:params:xml:ns:netconf:base:1.0\">" +
-           std::string(body) + "</system>";
-}
+using test::oc_system;
 
 const char kNativeHost[] = "/Tarvex-QV-shellutil-cfg:host-names\n"
                            "/Tarvex-QV-shellutil-cfg:host-names/host-name";
@@ -36,7 +32,7 @@ class HostNameToNative : public ::testing::TestWithParam<Case> {};
 TEST_P(HostNameToNative, Output) {
     const Case &c = GetParam();
     Request r(c.kind);
-    ASSERT_EQ(r.run(kSystem, system(c.request)), YFW_SUCCESS);
+    ASSERT_EQ(r.run(kSystem, oc_system(c.request)), YFW_SUCCESS);
     EXPECT_EQ(r.paths(), c.output);
     r.expect_state_restored();
 }
@@ -82,7 +78,7 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(HostName, ReplaceOfConfigDeletesEveryLeafThenMerges) {
     Request r(KIND_EDIT_A);
     tidl_yfw_datatree *in =
-        r.input(system("<config nc:operation=\"replace\"><hostname>r2</hostname></config>"));
+        r.input(oc_system("<config nc:operation=\"replace\"><hostname>r2</hostname></config>"));
     ASSERT_EQ(kSystem(r.ctx(), in, r.session().output()), YFW_SUCCESS);
     const std::string out = r.paths();
     EXPECT_NE(out.find(std::string(kNativeHost) + " = \"r2\" @merge\n"), std::string::npos) << out;
@@ -94,7 +90,7 @@ TEST(HostName, ReplaceOfConfigDeletesEveryLeafThenMerges) {
 
 TEST(HostName, DeleteOfConfigWithChildrenIsRefused) {
     Request r(KIND_EDIT_A);
-    EXPECT_EQ(r.run(kSystem, system("<config nc:operation=\"delete\"><hostname/></config>")),
+    EXPECT_EQ(r.run(kSystem, oc_system("<config nc:operation=\"delete\"><hostname/></config>")),
               YFW_ERR_INVALID_ARGS);
     EXPECT_EQ(r.error_path(), "");
     r.expect_state_restored();
@@ -102,11 +98,11 @@ TEST(HostName, DeleteOfConfigWithChildrenIsRefused) {
 
 TEST(HostName, UnknownTagUnderConfig) {
     Request read(KIND_GET_CONFIG);
-    EXPECT_EQ(read.run(kSystem, system("<config><color/><hostname/></config>")), YFW_SUCCESS);
+    EXPECT_EQ(read.run(kSystem, oc_system("<config><color/><hostname/></config>")), YFW_SUCCESS);
     EXPECT_EQ(read.paths(), std::string(kNativeHost) + "\n");
 
     Request write(KIND_EDIT_A);
-    EXPECT_EQ(write.run(kSystem, system("<config><color>red</color></config>")),
+    EXPECT_EQ(write.run(kSystem, oc_system("<config><color>red</color></config>")),
               YFW_ERR_UNSUPPORTED_TAG);
     EXPECT_EQ(write.error_tag(), "color");
     EXPECT_EQ(write.error_path(), "/openconfig-system:system/config");
@@ -116,7 +112,7 @@ TEST(HostName, UnknownTagUnderConfig) {
 TEST(HostName, GetOfAnEmptySystemVisitsEveryChildOnce) {
     Request r(KIND_GET);
     r.session().set_ring_trace(true);
-    ASSERT_EQ(r.run(kSystem, system("")), YFW_SUCCESS);
+    ASSERT_EQ(r.run(kSystem, oc_system("")), YFW_SUCCESS);
     const auto &ring = r.session().ring_trace();
     auto starts = [&](const std::string &walker) {
         return test::count_lines(ring, "ymap_oq_ocsystem_openconfigsystem_" + walker + ":") / 2;
@@ -158,11 +154,11 @@ TEST(HostName, NoAllocationOutlivesARequestButTheErrorTexts) {
     const std::size_t before = yfw::live_allocations();
     {
         Request r(KIND_EDIT_A);
-        (void)r.run(kSystem, system("<config><color>red</color></config>"));
+        (void)r.run(kSystem, oc_system("<config><color>red</color></config>"));
         EXPECT_EQ(texts(r), 1u);
         // A walk-all pass drops the status of a refused leaf but keeps its tag.
         Request ok(KIND_GET);
-        ASSERT_EQ(ok.run(kSystem, system("")), YFW_SUCCESS);
+        ASSERT_EQ(ok.run(kSystem, oc_system("")), YFW_SUCCESS);
         EXPECT_EQ(yfw::live_allocations(), before + texts(r) + texts(ok));
     }
     EXPECT_EQ(yfw::live_allocations(), before);

@@ -19,6 +19,19 @@ inline std::string native_ns(std::string_view module) {
     return "http://tarvex.local/ns/yang/" + std::string(module);
 }
 
+// An OpenConfig request rooted at /system, with "nc" bound to the NETCONF base
+// namespace for operation attributes.
+inline std::string oc_system(std::string_view body) {
+    return "<system xmlns=\"" + std::string(kOc) + "\" xmlns:nc=\"" + kNc + "\">" +
+           std::string(body) + "</system>";
+}
+
+// A native tree: the root element `root` of `module`.
+inline std::string native(std::string_view module, std::string_view root, std::string_view body) {
+    return "<" + std::string(root) + " xmlns=\"" + native_ns(module) + "\">" + std::string(body) +
+           "</" + std::string(root) + ">";
+}
+
 class Request {
 public:
     explicit Request(uint32_t kind, bool oper_only = false) : session_(kind, oper_only) {}
