@@ -193,6 +193,7 @@ struct KeyCase {
     const char *body;
     cerrno status;
     const char *error_tag = "";
+    friend void PrintTo(const KeyCase &c, std::ostream *os) { *os << c.name; }
 };
 
 class KeyValidation : public ::testing::TestWithParam<KeyCase> {};

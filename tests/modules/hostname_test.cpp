@@ -25,6 +25,7 @@ struct Case {
     uint32_t kind;
     const char *request;
     std::string output;
+    friend void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
 };
 
 class HostNameToNative : public ::testing::TestWithParam<Case> {};
