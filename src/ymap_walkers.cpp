@@ -461,12 +461,12 @@ cerrno oq_entry_children(const WalkerRow &row, yfw_map_ctx *ctx, const Subtrees 
                     status = c->walk(ctx, child, out_tree);
                 yfw_dt_set_is_key(child);
             }
-        } else if (c != nullptr && ((c->flags & kStateOnly) == 0 || kind == KIND_GET)) {
+        } else if (replace_delete) {
             // The first pass of a replace visits the keys alone.
-            if (!replace_delete)
-                status = c->walk(ctx, child, out_tree);
+        } else if (c != nullptr && ((c->flags & kStateOnly) == 0 || kind == KIND_GET)) {
+            status = c->walk(ctx, child, out_tree);
             scan.other_children = true;
-        } else if (!replace_delete) {
+        } else {
             if (text_equal(child->namespace_, row.ns)) {
                 status = unsupported_tag(row, ctx, child);
             } else {
