@@ -47,18 +47,17 @@ inline bool text_equal(const char *a, const char *b) {
 // the error path and returns `status`.
 cerrno refuse(yfw_map_ctx *ctx, const char *tag, cerrno status);
 
-// The frame shared by every mapper and hand-written function: assertion,
-// "Start", the argument test with its error report, the body, "End".
+// The start of every mapper, walker and hand-written function: assertion,
+// "Start", and the argument test with its error report. False when the
+// arguments are refused; the caller then returns YFW_ERR_INVALID_ARGS.
+bool frame_start(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree);
+
+// The whole frame around a body: its start, the body, "End".
 template <class Body>
 cerrno framed(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree,
               Body &&body) {
-    YMAP_ASSERT_CTX(ctx);
-    YFW_MAP_TRC(ctx, name, "Start");
-    if (node == nullptr || out_tree == nullptr) {
-        YFW_MAP_ERR(ctx, name, "Invalid arguments passed!");
-        yfw_oc_error_path(ctx);
+    if (!frame_start(ctx, name, node, out_tree))
         return YFW_ERR_INVALID_ARGS;
-    }
     const cerrno status = body();
     YFW_MAP_TRC(ctx, name, "End");
     return status;

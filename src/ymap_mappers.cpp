@@ -13,6 +13,16 @@ void assertion_failed(const char *expr, const char *file, int line, const char *
     std::abort();
 }
 
+bool frame_start(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree) {
+    YMAP_ASSERT_CTX(ctx);
+    YFW_MAP_TRC(ctx, name, "Start");
+    if (node != nullptr && out_tree != nullptr)
+        return true;
+    YFW_MAP_ERR(ctx, name, "Invalid arguments passed!");
+    yfw_oc_error_path(ctx);
+    return false;
+}
+
 cerrno refuse(yfw_map_ctx *ctx, const char *tag, cerrno status) {
     yfw_map_state *st = ctx->state;
     qvos_named_free(st->error_tag);

@@ -55,21 +55,6 @@ std::size_t key_count(const WalkerRow &row) {
     return (row.keys[0] != nullptr ? 1 : 0) + (row.keys[1] != nullptr ? 1 : 0);
 }
 
-// Common start of every walker: assertion, "Start", arguments. False when the
-// walker must return `status` at once.
-bool walker_start(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
-                  const tidl_yfw_datatree *out_tree, cerrno &status) {
-    YMAP_ASSERT_CTX(ctx);
-    YFW_MAP_TRC(ctx, row.name, "Start");
-    if (node == nullptr || out_tree == nullptr) {
-        YFW_MAP_ERR(ctx, row.name, "Invalid arguments passed!");
-        yfw_oc_error_path(ctx);
-        status = YFW_ERR_INVALID_ARGS;
-        return false;
-    }
-    return true;
-}
-
 cerrno bad_subtrees(const WalkerRow &row, yfw_map_ctx *ctx) {
     YFW_MAP_ERR(ctx, row.name, "Failed to get subtrees!");
     YFW_MAP_TRC(ctx, row.name, "End");
@@ -679,9 +664,8 @@ cerrno augment_parser(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree 
 
 cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                   tidl_yfw_datatree *out_tree) {
-    cerrno status = YFW_SUCCESS;
-    if (!walker_start(row, ctx, node, out_tree, status))
-        return status;
+    if (!frame_start(ctx, row.name, node, out_tree))
+        return YFW_ERR_INVALID_ARGS;
     if (row.on_enter != nullptr)
         row.on_enter();
     switch (row.kind) {
@@ -699,7 +683,7 @@ cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
     case WalkerKind::AugmentParser:
         return augment_parser(row, ctx, node);
     }
-    return end(row, ctx, status);
+    return end(row, ctx, YFW_SUCCESS);
 }
 
 } // namespace ymap
