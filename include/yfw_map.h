@@ -147,6 +147,13 @@ typedef struct yfw_request_options {
     uint32_t streaming : 1;
 } yfw_request_options;
 
+/* The options are tested as one word. */
+#ifdef __cplusplus
+static_assert(sizeof(yfw_request_options) == sizeof(uint32_t), "options fit one word");
+#else
+_Static_assert(sizeof(yfw_request_options) == sizeof(uint32_t), "options fit one word");
+#endif
+
 /* The datastore selector of a request for operational data. */
 #define YFW_DATASTORE_OPERATIONAL 2u
 
