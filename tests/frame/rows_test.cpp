@@ -145,7 +145,7 @@ TEST(Rows, XpathTablesEndWithTheirClosingRow) {
 
 // ---- The OpenConfig walkers against the published schema tree --------------------
 
-// Children of each schema path, in schema order, from a tree as `yanglint -f tree` prints it.
+// Children of each schema path, in schema order, from a printed schema tree ("+--rw name" lines).
 std::map<std::string, std::vector<std::string>> read_schema(const std::string &file) {
     std::map<std::string, std::vector<std::string>> children;
     std::ifstream in(file);
