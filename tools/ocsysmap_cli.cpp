@@ -271,11 +271,15 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
         err << "ocsysmap: the output tree has no " << options.format->name
             << " form: " << *write_error << '\n';
     }
+    // The tree goes out before the report, so that a reader of both streams
+    // sees the status last.
+    if (!write_error) {
+        out << printed << std::flush;
+    }
     report(err, status, session);
     if (write_error) {
         return 2;
     }
-    out << printed << std::flush;
     return status == YFW_SUCCESS ? 0 : 1;
 }
 
