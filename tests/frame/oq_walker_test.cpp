@@ -24,9 +24,9 @@ TEST(OqWalker, GetOfAnEmptyRootVisitsEveryChildOnceStateOnlyLast) {
     // conf, then lst named bare (key, conf), then the state-only st.
     EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
                              "/time-zone/area-name\n" + kClock + "/time-zone/time-zone-name\n" +
-                             kBanners + "\n" + kBanners + "/banner\n" + kBanners +
-                             "/banner/banner-name\n" + kBanners + "/banner/banner-text\n" +
-                             "/Tarvex-QV-shellutil-cfg:host-names\n" +
+                             kClock + "/tags\n" + kBanners + "\n" + kBanners + "/banner\n" +
+                             kBanners + "/banner/banner-name\n" + kBanners +
+                             "/banner/banner-text\n" + "/Tarvex-QV-shellutil-cfg:host-names\n" +
                              "/Tarvex-QV-shellutil-cfg:host-names/host-name\n");
     r.expect_state_restored();
 }
@@ -56,7 +56,7 @@ TEST(OqWalker, ContentMatchAloneExpandsTheContainer) {
     // The filter value goes out, and the walk-all pass selects every leaf.
     EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
                              "/time-zone/area-name = \"Europe\"\n" + kClock +
-                             "/time-zone/time-zone-name\n");
+                             "/time-zone/time-zone-name\n" + kClock + "/tags\n");
     EXPECT_NE(r.state()->filter_flags & YFW_MAP_FILTER_CONTENT_SEEN, 0u);
     EXPECT_EQ(r.state()->filter_flags & YFW_MAP_FILTER_EXPAND, 0u);
     r.expect_state_restored();
@@ -92,7 +92,7 @@ TEST(OqWalker, BareDeleteWalksEveryLeafAsARemoval) {
     ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
     EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
                              "/time-zone/area-name @remove\n" + kClock +
-                             "/time-zone/time-zone-name @remove\n");
+                             "/time-zone/time-zone-name @remove\n" + kClock + "/tags @remove\n");
     EXPECT_EQ(in->subtrees[0].operation, OP_DELETE); // lowered for the pass, then put back
     r.expect_state_restored();
 }
@@ -104,7 +104,7 @@ TEST(OqWalker, ReplaceIsADeleteOfEveryLeafThenAMerge) {
     // y was removed by the delete pass; x was removed, then merged with its value.
     EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
                              "/time-zone/area-name = \"Asia\" @merge\n" + kClock +
-                             "/time-zone/time-zone-name @remove\n");
+                             "/time-zone/time-zone-name @remove\n" + kClock + "/tags @remove\n");
     const tidl_yfw_datatree &conf = in->subtrees[0];
     EXPECT_EQ(conf.operation, OP_MERGE);
     EXPECT_EQ(conf.subtree_count, 1u);
@@ -170,6 +170,18 @@ TEST(OqWalker, NullArgumentsAreRefusedWithTheErrorPath) {
     EXPECT_EQ(ymap_oq_ocsystem_testmod_cont_lvla_top(r.ctx(), in, 0, nullptr),
               YFW_ERR_INVALID_ARGS);
     r.expect_state_restored();
+}
+
+TEST(OqWalker, LeafListValuesAreMarkedAndTouchNoFilterFlag) {
+    Request r(KIND_GET_CONFIG);
+    tidl_yfw_datatree *in = r.input(top("<config><tags>a</tags><tags>b</tags></config>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    const tidl_yfw_datatree &config = in->subtrees[0];
+    EXPECT_EQ(config.subtrees[0].node_kind, NODE_LEAF_LIST);
+    EXPECT_EQ(config.subtrees[1].node_kind, NODE_LEAF_LIST);
+    EXPECT_EQ(r.state()->filter_flags & YFW_MAP_FILTER_CONTENT_SEEN, 0u);
+    EXPECT_EQ(r.paths(),
+              std::string(kClock) + "\n" + kClock + "/tags = \"a\"\n" + kClock + "/tags = \"b\"\n");
 }
 
 // ---- Lists --------------------------------------------------------------------
@@ -263,6 +275,27 @@ TEST(OqListWalker, KeysOnlyDeleteRunsTheMapperWithSuppressTwoThenWalksTheEntryWh
     EXPECT_EQ(lst.operation, OP_DELETE);
     EXPECT_EQ(lst.subtree_count, 1u);
     EXPECT_EQ(lst.subtrees[0].is_key, 1);
+    r.expect_state_restored();
+}
+
+TEST(OqListWalker, InstancesPushedByTheMapperAreEachWalked) {
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *pushed =
+        r.input(top("<lst><name>login</name><config><text>in</text></config></lst>"
+                    "<lst><name>motd</name><config><text>day</text></config></lst>"));
+    test::instances = {pushed->subtrees, pushed->subtree_count, 0};
+    const cerrno status = r.run(kTop, top("<lst><name>login</name></lst>"));
+    const int callbacks = test::instances.callbacks;
+    test::instances = {};
+    ASSERT_EQ(status, YFW_SUCCESS);
+    EXPECT_EQ(callbacks, 2);
+    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners +
+                             "/banner[banner-name='login']\n" + kBanners +
+                             "/banner[banner-name='login']/banner-name = \"login\"\n" + kBanners +
+                             "/banner[banner-name='login']/banner-text = \"in\"\n" + kBanners +
+                             "/banner[banner-name='motd']\n" + kBanners +
+                             "/banner[banner-name='motd']/banner-name = \"motd\"\n" + kBanners +
+                             "/banner[banner-name='motd']/banner-text = \"day\"\n");
     r.expect_state_restored();
 }
 

@@ -15,4 +15,13 @@ struct ListMapperCall {
     bool deleted = false;
 };
 extern ListMapperCall last_list_mapper_call;
+
+// When set, the list mapper pushes these instances on the itree stack, as a
+// framework operation may, with a callback that counts its calls.
+struct Instances {
+    tidl_yfw_datatree *nodes = nullptr;
+    uint32_t count = 0;
+    int callbacks = 0;
+};
+extern Instances instances;
 } // namespace test
