@@ -14,6 +14,28 @@
 #include "yfw_map_trace.h"
 #include "ymap_ocsystem.h"
 
+// ---- Messages of the frame --------------------------------------------------
+// Literals, so that the trace statement can join them to its prefix.
+#define YMAP_MSG_START "Start"
+#define YMAP_MSG_END "End"
+#define YMAP_MSG_INVALID_ARGS "Invalid arguments passed!"
+#define YMAP_MSG_BAD_SUBTREES "Failed to get subtrees!"
+#define YMAP_MSG_NO_TAG "Tag name is not available!"
+#define YMAP_MSG_NO_KEYS "No keys specified with a list node."
+#define YMAP_MSG_KEY_ERROR "List key node error."
+#define YMAP_MSG_EMPTY_KEY "Empty list key specified."
+#define YMAP_MSG_KEY_DELETE "The key node should not have delete operation."
+#define YMAP_MSG_LEAFREF "leafref value check fail"
+#define YMAP_MSG_DELETE_WITH_SUBTREE "Delete request with subtree present"
+#define YMAP_MSG_UNSUPPORTED_TAG "Unsupported tag is specified in the request."
+#define YMAP_MSG_IGNORING "Unsupported tag. Ignoring."
+#define YMAP_MSG_IGNORING_NAMED "Unsupported tag `%s`. Ignoring."
+#define YMAP_MSG_XPATH_ERROR "got xpath error node "
+#define YMAP_MSG_PROCESSING_TAG "Processing tag '%s'"
+#define YMAP_MSG_MAPPED "Mapping done for this node"
+#define YMAP_MSG_NOT_MAPPED "No mapping done for this node"
+#define YMAP_MSG_NO_SUBTREES "No subtrees"
+
 // Every function of the library begins with this assertion; it stays on in
 // release builds, since a null context is a programming fault of the caller.
 #define YMAP_ASSERT_CTX(ctx)                                                                       \
@@ -59,7 +81,7 @@ cerrno framed(yfw_map_ctx *ctx, const char *name, const void *node, const void *
     if (!frame_start(ctx, name, node, out_tree))
         return YFW_ERR_INVALID_ARGS;
     const cerrno status = body();
-    YFW_MAP_TRC(ctx, name, "End");
+    YFW_MAP_TRC(ctx, name, YMAP_MSG_END);
     return status;
 }
 
@@ -75,23 +97,32 @@ cerrno add_value(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree, const char *path
 
 // ---- Mapper rows ----------------------------------------------------------
 
-enum class Family : uint8_t { Oq, Qo }; // OpenConfig input, native input
+enum class Family : uint8_t { Oq, Qo }; // named for OpenConfig input, for native input
 enum class MapperKind : uint8_t { Container, List, Leaf };
 
-enum class Form : uint8_t {
+// The forms of each kind of mapper. A form belongs to one kind, so a row that
+// names a form of another kind does not compile.
+enum class ContForm : uint8_t {
     Pass,        // nothing; success
-    None,        // leaf: accepted, with no counterpart
-    StatePickup, // container: with no children named, ask for the whole container
-    Mapped,      // container: add the target when named with children or deleted
+    StatePickup, // with no children named, ask for the whole container
+    Mapped,      // add the target when named with children or deleted
+    Hand,        // a hand-written function of (ctx, node, count, out_tree)
+};
+enum class ListForm : uint8_t {
+    Pass,     // nothing; success
+    Entry,    // one add of the entry
+    Stitched, // joined to an output list entry of another tree
+    Table,    // rows of an xpath list chosen by a callback
+    Hand,     // a hand-written function of (ctx, node, out_tree)
+};
+enum class LeafForm : uint8_t {
+    None,        // accepted, with no counterpart
+    Automatic,   // oq: the three-way rule; qo: one add with the value
+    ConfigState, // qo: `config` path unless oper_only, `state` path in KIND_GET
+    FromXpath,   // oq, a leaf of a private oper module: read kinds only
+    Refuse,      // the tag is refused
+    Table,       // rows of an xpath list chosen by a callback
     Hand,        // a hand-written function of (ctx, node, out_tree)
-    HandCount,   // a hand-written function of (ctx, node, count, out_tree)
-    Entry,       // list: one add of the entry
-    Stitched,    // list: joined to an output list entry of another tree
-    Table,       // list or leaf: rows of an xpath list chosen by a callback
-    Automatic,   // leaf: oq three-way rule; qo one add with the value
-    ConfigState, // qo leaf: `config` path unless oper_only, `state` path in KIND_GET
-    FromXpath,   // oq leaf of a private oper module: read kinds only
-    Refuse,      // leaf with no counterpart: the tag is refused
 };
 
 // Row flags.
@@ -102,6 +133,9 @@ enum : uint16_t {
     kAugment = 1u << 3,        // augment_flag 1 on the add
 };
 
+// The most path pieces a leaf of a private oper module has.
+inline constexpr std::size_t kMaxPieces = 12;
+
 struct XpathTable;
 
 // One schema node's mapper.
@@ -109,7 +143,9 @@ struct MapperRow {
     const char *name; // the exported symbol, for the trace
     MapperKind kind;
     Family family;
-    Form form;
+    ContForm cont_form = ContForm::Pass;
+    ListForm list_form = ListForm::Pass;
+    LeafForm leaf_form = LeafForm::None;
     uint16_t flags = 0;
     const char *path = nullptr;   // target path
     const char *ns = nullptr;     // target namespace
@@ -122,10 +158,84 @@ struct MapperRow {
     const XpathTable *table = nullptr;
 };
 
+// What a row of each form must name. A row that fails it stops the build:
+// the throw is not a constant expression, and the compiler shows this line.
+consteval bool check_row(const MapperRow &row) {
+    const bool pieces = row.components != nullptr && row.component_count >= 2 &&
+                        row.component_count <= kMaxPieces && row.ns != nullptr;
+    const bool target = row.path != nullptr && row.ns != nullptr;
+    switch (row.kind) {
+    case MapperKind::Container:
+        switch (row.cont_form) {
+        case ContForm::Pass:
+            return true;
+        case ContForm::StatePickup:
+        case ContForm::Mapped:
+            return target ? true : throw "a container form that adds needs a target and namespace";
+        case ContForm::Hand:
+            return row.hand_count != nullptr ? true : throw "a hand-written row needs its function";
+        }
+        break;
+    case MapperKind::List:
+        switch (row.list_form) {
+        case ListForm::Pass:
+            return true;
+        case ListForm::Entry:
+            return target ? true : throw "an entry row needs a target and namespace";
+        case ListForm::Stitched:
+            return pieces ? true : throw "a stitched row needs 2 to kMaxPieces pieces";
+        case ListForm::Table:
+            return row.table != nullptr ? true : throw "a table row needs its table";
+        case ListForm::Hand:
+            return row.hand != nullptr ? true : throw "a hand-written row needs its function";
+        }
+        break;
+    case MapperKind::Leaf:
+        switch (row.leaf_form) {
+        case LeafForm::None:
+        case LeafForm::Refuse:
+            return true;
+        case LeafForm::Automatic:
+            return target ? true : throw "an automatic leaf needs a target and namespace";
+        case LeafForm::ConfigState:
+            return target && row.second != nullptr && row.family == Family::Qo
+                       ? true
+                       : throw "config and state is a native-side form with two targets";
+        case LeafForm::FromXpath:
+            return pieces && row.family == Family::Oq
+                       ? true
+                       : throw "from-xpath is an OpenConfig-side form with 2 to kMaxPieces pieces";
+        case LeafForm::Table:
+            return row.table != nullptr ? true : throw "a table row needs its table";
+        case LeafForm::Hand:
+            return row.hand != nullptr ? true : throw "a hand-written row needs its function";
+        }
+        break;
+    }
+    throw "unknown mapper kind";
+}
+
 cerrno run_container_mapper(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                             uint32_t count, tidl_yfw_datatree *out_tree);
 cerrno run_mapper(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                   tidl_yfw_datatree *out_tree);
+
+// ---- Hand-written functions -------------------------------------------------
+
+// A hand-written body gets its function's name from the entry point that frames
+// it, so its trace lines name the function and not the body.
+using HandBody = cerrno (*)(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                            tidl_yfw_datatree *out_tree);
+using HandCountBody = cerrno (*)(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                                 uint32_t count, tidl_yfw_datatree *out_tree);
+using HandCallbackBody = cerrno (*)(const char *name, yfw_map_ctx *ctx, int32_t count,
+                                    xpath_list_type_t *rows);
+cerrno run_hand(const char *name, HandBody body, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                tidl_yfw_datatree *out_tree);
+cerrno run_hand_count(const char *name, HandCountBody body, yfw_map_ctx *ctx,
+                      tidl_yfw_datatree *node, uint32_t count, tidl_yfw_datatree *out_tree);
+cerrno run_hand_callback(const char *name, HandCallbackBody body, yfw_map_ctx *ctx, int32_t count,
+                         xpath_list_type_t *rows);
 
 // ---- Walker rows ----------------------------------------------------------
 
@@ -158,13 +268,21 @@ enum : uint16_t {
     kGetOnly = 1u << 0,       // qo: every child is dispatched only in KIND_GET
     kNoOwnNsTest = 1u << 1,   // oq root: an unmatched tag goes straight to the augment parser
     kStateOnlyList = 1u << 2, // a list of state alone: a malformed entry is tolerated in reads
-    kNamedIgnore = 1u << 3,   // qo: the "ignoring" trace names the tag
+    kNamedIgnore = 1u << 3,   // the "ignoring" trace names the tag
+    // Behaviour apart from the name: a walker named for native input that walks
+    // an OpenConfig request (key demand, leafref check, expansion, walk-all,
+    // replace and delete handling), as the walkers of a private OpenConfig
+    // extension do.
+    kWalksOpenConfig = 1u << 4,
+    // An unknown tag of the walker's own namespace is ignored with a trace,
+    // whatever the request kind.
+    kIgnoresOwnUnknown = 1u << 5,
 };
 
 struct WalkerRow {
     WalkerFn self; // the entry point of the row
     const char *name;
-    Family family;
+    Family family; // the direction of the name; behaviour follows it unless flags say otherwise
     WalkerKind kind;
     uint16_t flags = 0;
     const char *ns = nullptr; // the module's own namespace
@@ -174,8 +292,31 @@ struct WalkerRow {
     WalkerFn augment_parser = nullptr;
     const char *list_path = nullptr;
     std::array<const char *, 2> keys = {}; // key tags of a list, in key order
-    void (*on_enter)() = nullptr;          // a root walker's own step ahead of the walk
 };
+
+// Whether the walker carries the meaning of an OpenConfig request.
+constexpr bool walks_openconfig(const WalkerRow &row) {
+    return row.family == Family::Oq || (row.flags & kWalksOpenConfig) != 0;
+}
+
+// What a walker row must name.
+consteval bool check_walker(const WalkerRow &row) {
+    switch (row.kind) {
+    case WalkerKind::Container:
+        return row.cont_mapper != nullptr ? true : throw "a container walker needs its mapper";
+    case WalkerKind::List:
+        return row.mapper != nullptr && row.list_path != nullptr && row.keys[0] != nullptr
+                   ? true
+                   : throw "a list walker needs its mapper, its list path and its keys";
+    case WalkerKind::Leaf:
+    case WalkerKind::LeafList:
+        return row.mapper != nullptr ? true : throw "a leaf walker needs its mapper";
+    case WalkerKind::Augment:
+    case WalkerKind::AugmentParser:
+        return true;
+    }
+    throw "unknown walker kind";
+}
 
 cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                   tidl_yfw_datatree *out_tree);
@@ -194,3 +335,42 @@ std::span<const MapperRow *const> all_mapper_rows();
 std::span<const WalkerRow *const> all_walker_rows();
 
 } // namespace ymap
+
+// ---- Hand-written functions, named once ----------------------------------------
+//
+//     YMAP_HAND(oc_system_config_login_banner) {
+//         YFW_MAP_TRC(ctx, name, "...");
+//         ...
+//     }
+//
+// defines the exported function, which asserts the context, traces "Start",
+// refuses null arguments and traces "End" around the body that follows. The
+// body sees `name` (the function's name, for its trace lines), `ctx`, `node`
+// and `out_tree`; YMAP_HAND_COUNT adds `count`, YMAP_HAND_CALLBACK is a
+// type-check callback of (ctx, count, rows).
+#define YMAP_HAND_PARAMS_ [[maybe_unused]] const char *name, [[maybe_unused]] yfw_map_ctx *ctx
+#define YMAP_HAND(fn)                                                                              \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node,                           \
+                             [[maybe_unused]] tidl_yfw_datatree *out_tree);                        \
+    extern "C" YMAP_EXPORT cerrno fn(yfw_map_ctx *ctx, tidl_yfw_datatree *node,                    \
+                                     tidl_yfw_datatree *out_tree) {                                \
+        return ::ymap::run_hand(#fn, &fn##_body_, ctx, node, out_tree);                            \
+    }                                                                                              \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node,                           \
+                             [[maybe_unused]] tidl_yfw_datatree *out_tree)
+#define YMAP_HAND_COUNT(fn)                                                                        \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node, uint32_t count,           \
+                             [[maybe_unused]] tidl_yfw_datatree *out_tree);                        \
+    extern "C" YMAP_EXPORT cerrno fn(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,    \
+                                     tidl_yfw_datatree *out_tree) {                                \
+        return ::ymap::run_hand_count(#fn, &fn##_body_, ctx, node, count, out_tree);               \
+    }                                                                                              \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node, uint32_t count,           \
+                             [[maybe_unused]] tidl_yfw_datatree *out_tree)
+#define YMAP_HAND_CALLBACK(fn)                                                                     \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, int32_t count, xpath_list_type_t *rows);           \
+    extern "C" YMAP_EXPORT cerrno fn(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows) {   \
+        return ::ymap::run_hand_callback(#fn, &fn##_body_, ctx, count, rows);                      \
+    }                                                                                              \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, [[maybe_unused]] int32_t count,                    \
+                             xpath_list_type_t *rows)

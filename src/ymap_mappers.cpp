@@ -15,10 +15,10 @@ void assertion_failed(const char *expr, const char *file, int line, const char *
 
 bool frame_start(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree) {
     YMAP_ASSERT_CTX(ctx);
-    YFW_MAP_TRC(ctx, name, "Start");
+    YFW_MAP_TRC(ctx, name, YMAP_MSG_START);
     if (node != nullptr && out_tree != nullptr)
         return true;
-    YFW_MAP_ERR(ctx, name, "Invalid arguments passed!");
+    YFW_MAP_ERR(ctx, name, YMAP_MSG_INVALID_ARGS);
     yfw_oc_error_path(ctx);
     return false;
 }
@@ -76,26 +76,26 @@ cerrno stitch(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
 
 cerrno container_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                       uint32_t count, tidl_yfw_datatree *out_tree) {
-    switch (row.form) {
-    case Form::StatePickup:
+    switch (row.cont_form) {
+    case ContForm::Pass:
+        return YFW_SUCCESS;
+    case ContForm::StatePickup:
         // Named without children, the client wants the whole container, and the
         // other tree has all of it under one path.
         if (count != 0) {
-            YFW_MAP_TRC(ctx, row.name, "No mapping done for this node");
+            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NOT_MAPPED);
             return YFW_SUCCESS;
         }
-        YFW_MAP_TRC(ctx, row.name, "No subtrees");
+        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_SUBTREES);
         return add_value(ctx, out_tree, row.path, row.ns, nullptr);
-    case Form::Mapped: {
+    case ContForm::Mapped: {
         cerrno status = YFW_SUCCESS;
         if (count != 0) {
-            YFW_MAP_TRC(ctx, row.name, "Mapping done for this node");
+            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_MAPPED);
             status = add_value(ctx, out_tree, row.path, row.ns, nullptr);
         } else {
-            YFW_MAP_TRC(ctx, row.name, "No subtrees");
-            if (read_kind(ctx))
-                return YFW_SUCCESS;
-            if (!yfw_map_is_request_delete(node))
+            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_SUBTREES);
+            if (read_kind(ctx) || !yfw_map_is_request_delete(node))
                 return YFW_SUCCESS;
             status = yfw_map_datatree_add_path_flagged(ctx, out_tree, row.path, row.ns, nullptr,
                                                        node, nullptr, 0, 0);
@@ -105,39 +105,39 @@ cerrno container_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree 
             status = add_value(ctx, out_tree, row.second, row.ns, row.second_value);
         return status;
     }
-    case Form::HandCount:
+    case ContForm::Hand:
         return row.hand_count(ctx, node, count, out_tree);
-    case Form::Hand:
-        return row.hand(ctx, node, out_tree);
-    default:
-        return YFW_SUCCESS;
     }
+    return YFW_SUCCESS; // not reached: every form is a case
 }
 
 cerrno list_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                  tidl_yfw_datatree *out_tree) {
-    switch (row.form) {
-    case Form::Entry:
+    switch (row.list_form) {
+    case ListForm::Pass:
+        return YFW_SUCCESS;
+    case ListForm::Entry:
         return yfw_map_datatree_add_path_flagged(ctx, out_tree, row.path, row.ns, nullptr,
                                                  yfw_map_is_request_delete(node) ? node : nullptr,
                                                  nullptr, 1, flag(row, kAugment));
-    case Form::Stitched:
+    case ListForm::Stitched:
         return stitch(row, ctx, node, out_tree);
-    case Form::Table:
+    case ListForm::Table:
         return run_list_table(*row.table, ctx, node, out_tree);
-    case Form::Hand:
+    case ListForm::Hand:
         return row.hand(ctx, node, out_tree);
-    default:
-        return YFW_SUCCESS;
     }
+    return YFW_SUCCESS; // not reached: every form is a case
 }
 
 cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                  tidl_yfw_datatree *out_tree) {
     const uint32_t list_entry = flag(row, kListEntry);
     const uint32_t augment = flag(row, kAugment);
-    switch (row.form) {
-    case Form::Automatic: {
+    switch (row.leaf_form) {
+    case LeafForm::None:
+        return YFW_SUCCESS;
+    case LeafForm::Automatic: {
         if (row.family == Family::Oq) { // a write-capable leaf
             cerrno status =
                 add_three_way(ctx, node, out_tree, row.path, row.ns, list_entry, augment);
@@ -154,7 +154,7 @@ cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
                     add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
         return status;
     }
-    case Form::ConfigState: {
+    case LeafForm::ConfigState: {
         cerrno status = YFW_SUCCESS;
         if (!oper_only(ctx))
             status = add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
@@ -162,20 +162,19 @@ cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
             status = add_value(ctx, out_tree, row.second, row.ns, node->value, list_entry, augment);
         return status;
     }
-    case Form::FromXpath:
+    case LeafForm::FromXpath:
         // State lives in a private module that only reads reach.
         if (!read_kind(ctx))
             return YFW_SUCCESS;
         return add_from_pieces(row, ctx, node, out_tree);
-    case Form::Refuse:
+    case LeafForm::Refuse:
         return refuse(ctx, node->tag, YFW_ERR_UNSUPPORTED_TAG);
-    case Form::Table:
+    case LeafForm::Table:
         return run_leaf_table(*row.table, ctx, node, out_tree);
-    case Form::Hand:
+    case LeafForm::Hand:
         return row.hand(ctx, node, out_tree);
-    default:
-        return YFW_SUCCESS;
     }
+    return YFW_SUCCESS; // not reached: every form is a case
 }
 
 } // namespace
@@ -192,6 +191,22 @@ cerrno run_mapper(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
         return row.kind == MapperKind::List ? list_body(row, ctx, node, out_tree)
                                             : leaf_body(row, ctx, node, out_tree);
     });
+}
+
+cerrno run_hand(const char *name, HandBody body, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                tidl_yfw_datatree *out_tree) {
+    return framed(ctx, name, node, out_tree, [&] { return body(name, ctx, node, out_tree); });
+}
+
+cerrno run_hand_count(const char *name, HandCountBody body, yfw_map_ctx *ctx,
+                      tidl_yfw_datatree *node, uint32_t count, tidl_yfw_datatree *out_tree) {
+    return framed(ctx, name, node, out_tree,
+                  [&] { return body(name, ctx, node, count, out_tree); });
+}
+
+cerrno run_hand_callback(const char *name, HandCallbackBody body, yfw_map_ctx *ctx, int32_t count,
+                         xpath_list_type_t *rows) {
+    return framed(ctx, name, rows, rows, [&] { return body(name, ctx, count, rows); });
 }
 
 cerrno duck_container(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t,

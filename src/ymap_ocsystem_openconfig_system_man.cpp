@@ -5,33 +5,26 @@
 #include "ymap_ocsystem_modules.h"
 
 using ymap::add_value;
-using ymap::framed;
 using ymap::read_kind;
 using ymap::text_equal;
 
 // The augment parser of all of /system. An unknown namespace is logged and
 // dropped here rather than refused: only the gRPC augment has a place to go.
-extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_lvla_system_parse_augments(
-    yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree) {
-    static constexpr const char *name =
-        "ymap_oq_ocsystem_openconfigsystem_lvla_system_parse_augments";
-    return framed(ctx, name, node, out_tree, [&] {
-        const char *ns = node->namespace_;
-        YFW_MAP_TRC(ctx, name, "namespace: %s", ns != nullptr ? ns : "(none)");
-        print_data(ctx);
-        const bool grpc = text_equal(ns, NS_OPENCONFIG_SYSTEM_GRPC);
-        if (read_kind(ctx)) {
-            if (grpc || text_equal(ns, NS_OPENCONFIG_SYSTEM))
-                return ymap_oq_ocsystem_openconfigsystemgrpc_augment_lvla_system(ctx, node,
-                                                                                 out_tree);
-            YFW_MAP_ERR(ctx, name, "Unsupported namespace");
-            return YFW_SUCCESS;
-        }
-        if (grpc)
+YMAP_HAND(ymap_oq_ocsystem_openconfigsystem_lvla_system_parse_augments) {
+    const char *ns = node->namespace_;
+    YFW_MAP_TRC(ctx, name, "namespace: %s", ns != nullptr ? ns : "(none)");
+    print_data(ctx);
+    const bool grpc = text_equal(ns, NS_OPENCONFIG_SYSTEM_GRPC);
+    if (read_kind(ctx)) {
+        if (grpc || text_equal(ns, NS_OPENCONFIG_SYSTEM))
             return ymap_oq_ocsystem_openconfigsystemgrpc_augment_lvla_system(ctx, node, out_tree);
-        YFW_MAP_TRC(ctx, name, "Unknown namespace");
+        YFW_MAP_ERR(ctx, name, "Unsupported namespace");
         return YFW_SUCCESS;
-    });
+    }
+    if (grpc)
+        return ymap_oq_ocsystem_openconfigsystemgrpc_augment_lvla_system(ctx, node, out_tree);
+    YFW_MAP_TRC(ctx, name, "Unknown namespace");
+    return YFW_SUCCESS;
 }
 
 namespace {
@@ -39,45 +32,36 @@ namespace {
 // A banner leaf is a list entry of the native model, keyed by the banner's
 // name. A read names only the text, so it selects the text of every banner;
 // the way back decides which leaf each entry feeds.
-cerrno config_banner(yfw_map_ctx *ctx, const char *name, tidl_yfw_datatree *node,
-                     tidl_yfw_datatree *out_tree, const char *banner) {
-    return framed(ctx, name, node, out_tree, [&] {
-        if (read_kind(ctx))
-            return add_value(ctx, out_tree, "/banners/banner/banner-text", NS_INFRA_INFRA_CFG,
-                             node->value);
-        if (yfw_map_is_request_delete(node)) {
-            (void)yfw_map_datatree_add_path_flagged(
-                ctx, out_tree, "/banners/banner", NS_INFRA_INFRA_CFG, nullptr, node, nullptr, 1, 0);
-            (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-name",
-                                                    NS_INFRA_INFRA_CFG, banner, node, nullptr, 1,
-                                                    0);
-            // The text node is named with the key text; its operation is what counts.
-            return yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-text",
-                                                     NS_INFRA_INFRA_CFG, banner, node, nullptr, 0,
-                                                     0);
-        }
-        (void)yfw_map_datatree_add_path_flagged(
-            ctx, out_tree, "/banners/banner", NS_INFRA_INFRA_CFG, nullptr, nullptr, nullptr, 1, 0);
+cerrno config_banner(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree,
+                     const char *banner) {
+    if (read_kind(ctx))
+        return add_value(ctx, out_tree, "/banners/banner/banner-text", NS_INFRA_INFRA_CFG,
+                         node->value);
+    if (yfw_map_is_request_delete(node)) {
+        (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner",
+                                                NS_INFRA_INFRA_CFG, nullptr, node, nullptr, 1, 0);
         (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-name",
-                                                NS_INFRA_INFRA_CFG, banner, nullptr, nullptr, 1, 0);
+                                                NS_INFRA_INFRA_CFG, banner, node, nullptr, 1, 0);
+        // The text node is named with the key text; its operation is what counts.
         return yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-text",
-                                                 NS_INFRA_INFRA_CFG, node->value, node, nullptr, 0,
-                                                 0);
-    });
+                                                 NS_INFRA_INFRA_CFG, banner, node, nullptr, 0, 0);
+    }
+    (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner", NS_INFRA_INFRA_CFG,
+                                            nullptr, nullptr, nullptr, 1, 0);
+    (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-name",
+                                            NS_INFRA_INFRA_CFG, banner, nullptr, nullptr, 1, 0);
+    return yfw_map_datatree_add_path_flagged(ctx, out_tree, "/banners/banner/banner-text",
+                                             NS_INFRA_INFRA_CFG, node->value, node, nullptr, 0, 0);
 }
 
 } // namespace
 
-extern "C" YMAP_EXPORT cerrno oc_system_config_login_banner(yfw_map_ctx *ctx,
-                                                            tidl_yfw_datatree *node,
-                                                            tidl_yfw_datatree *out_tree) {
-    return config_banner(ctx, __func__, node, out_tree, "login");
+YMAP_HAND(oc_system_config_login_banner) {
+    return config_banner(ctx, node, out_tree, "login");
 }
 
-extern "C" YMAP_EXPORT cerrno oc_system_config_motd_banner(yfw_map_ctx *ctx,
-                                                           tidl_yfw_datatree *node,
-                                                           tidl_yfw_datatree *out_tree) {
-    return config_banner(ctx, __func__, node, out_tree, "motd");
+YMAP_HAND(oc_system_config_motd_banner) {
+    return config_banner(ctx, node, out_tree, "motd");
 }
 
 namespace {
@@ -101,31 +85,25 @@ std::optional<cerrno> read_or_delete_time_zone(yfw_map_ctx *ctx, tidl_yfw_datatr
 } // namespace
 
 // /system/clock/config: named bare, the whole native time zone is meant.
-extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_system_clock_config(
-    yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count, tidl_yfw_datatree *out_tree) {
-    return framed(ctx, __func__, node, out_tree, [&] {
-        if (count != 0) {
-            YFW_MAP_TRC(ctx, __func__, "No mapping done for this node");
-            return YFW_SUCCESS;
-        }
-        YFW_MAP_TRC(ctx, __func__, "No subtrees");
-        if (const auto done = read_or_delete_time_zone(ctx, node, out_tree))
-            return *done;
-        YFW_MAP_TRC(ctx, __func__, "Mapping done for this node");
-        return add_value(ctx, out_tree, kTimeZone, NS_INFRA_CLOCK_LINUX_CFG, nullptr);
-    });
+YMAP_HAND_COUNT(ymap_oq_ocsystem_openconfigsystem_system_clock_config) {
+    if (count != 0) {
+        YFW_MAP_TRC(ctx, name, YMAP_MSG_NOT_MAPPED);
+        return YFW_SUCCESS;
+    }
+    YFW_MAP_TRC(ctx, name, YMAP_MSG_NO_SUBTREES);
+    if (const auto done = read_or_delete_time_zone(ctx, node, out_tree))
+        return *done;
+    YFW_MAP_TRC(ctx, name, YMAP_MSG_MAPPED);
+    return add_value(ctx, out_tree, kTimeZone, NS_INFRA_CLOCK_LINUX_CFG, nullptr);
 }
 
 // One OpenConfig name fills the native area name.
-extern "C" YMAP_EXPORT cerrno ymap_oq_ocsystem_openconfigsystem_clock_config_timezone(
-    yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree) {
-    return framed(ctx, __func__, node, out_tree, [&] {
-        if (const auto done = read_or_delete_time_zone(ctx, node, out_tree))
-            return *done;
-        (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, kAreaName, NS_INFRA_CLOCK_LINUX_CFG,
-                                                node->value, node, nullptr, 0, 0);
-        // The native name is created empty: the OpenConfig name is the area name.
-        return add_value(ctx, out_tree, "/clock/time-zone/time-zone-name", NS_INFRA_CLOCK_LINUX_CFG,
-                         nullptr);
-    });
+YMAP_HAND(ymap_oq_ocsystem_openconfigsystem_clock_config_timezone) {
+    if (const auto done = read_or_delete_time_zone(ctx, node, out_tree))
+        return *done;
+    (void)yfw_map_datatree_add_path_flagged(ctx, out_tree, kAreaName, NS_INFRA_CLOCK_LINUX_CFG,
+                                            node->value, node, nullptr, 0, 0);
+    // The native name is created empty: the OpenConfig name is the area name.
+    return add_value(ctx, out_tree, "/clock/time-zone/time-zone-name", NS_INFRA_CLOCK_LINUX_CFG,
+                     nullptr);
 }

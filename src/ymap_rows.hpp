@@ -59,45 +59,56 @@
 
 // Container mappers.
 #define YMAP_CONT(lv_, node_, form_) \
-    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .form = ::ymap::Form::form_)
+    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .cont_form = ::ymap::ContForm::form_)
 #define YMAP_CONT_TO(lv_, node_, form_, target_, ns_) \
-    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .form = ::ymap::Form::form_, \
+    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .cont_form = ::ymap::ContForm::form_, \
                              .path = target_, .ns = ns_)
 #define YMAP_CONT_TO_KEYED(lv_, node_, target_, ns_, key_path_, key_value_) \
-    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .form = ::ymap::Form::Mapped, \
+    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .cont_form = ::ymap::ContForm::Mapped, \
                              .path = target_, .ns = ns_, .second = key_path_, .second_value = key_value_)
+// A hand-written function of another name that the generated mapper calls.
 #define YMAP_CONT_HAND(lv_, node_, fn_) \
     YMAP_DISPATCH(YMAP_CMAP_HAND)(YMAP_MAPPER(cont, lv_, node_), fn_)
+// A hand-written function that bears the mapper's own name (YMAP_HAND_COUNT in
+// the module's `_man` source): no generated entry point, no second frame.
+#define YMAP_CONT_OWN(lv_, node_) \
+    YMAP_DISPATCH(YMAP_CMAP_OWN)(YMAP_MAPPER(cont, lv_, node_))
 
 // List and leaf mappers.
 #define YMAP_LIST(lv_, node_, form_) \
-    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, .form = ::ymap::Form::form_)
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, .list_form = ::ymap::ListForm::form_)
 #define YMAP_LIST_TO(lv_, node_, form_, target_, ns_, fl_) \
-    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, .form = ::ymap::Form::form_, \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, .list_form = ::ymap::ListForm::form_, \
                              .flags = (fl_), .path = target_, .ns = ns_)
 #define YMAP_LIST_STITCH(lv_, node_, ns_, ...) \
-    YMAP_DISPATCH(YMAP_NMAP_PIECES)(YMAP_MAPPER(list, lv_, node_), List, Stitched, ns_, __VA_ARGS__)
+    YMAP_DISPATCH(YMAP_NMAP_PIECES)(YMAP_MAPPER(list, lv_, node_), List, \
+                                    .list_form = ::ymap::ListForm::Stitched, ns_, __VA_ARGS__)
 #define YMAP_LIST_HAND(lv_, node_, fn_) \
-    YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(list, lv_, node_), List, fn_)
+    YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(list, lv_, node_), List, .list_form = ::ymap::ListForm::Hand, fn_)
+#define YMAP_LIST_OWN(lv_, node_) \
+    YMAP_DISPATCH(YMAP_NMAP_OWN)(YMAP_MAPPER(list, lv_, node_), List, .list_form = ::ymap::ListForm::Hand)
 #define YMAP_LIST_TABLE(lv_, node_, table_) \
     YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, \
-                             .form = ::ymap::Form::Table, .table = &(table_))
+                             .list_form = ::ymap::ListForm::Table, .table = &(table_))
 #define YMAP_LEAF(lv_, node_, form_) \
-    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .form = ::ymap::Form::form_)
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .leaf_form = ::ymap::LeafForm::form_)
 #define YMAP_LEAF_TO(lv_, node_, form_, target_, ns_, fl_) \
-    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .form = ::ymap::Form::form_, \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .leaf_form = ::ymap::LeafForm::form_, \
                              .flags = (fl_), .path = target_, .ns = ns_)
 #define YMAP_LEAF_CS(lv_, node_, config_, state_, ns_) \
     YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
-                             .form = ::ymap::Form::ConfigState, .path = config_, .ns = ns_, \
+                             .leaf_form = ::ymap::LeafForm::ConfigState, .path = config_, .ns = ns_, \
                              .second = state_)
 #define YMAP_LEAF_XPATH(lv_, node_, ns_, ...) \
-    YMAP_DISPATCH(YMAP_NMAP_PIECES)(YMAP_MAPPER(leaf, lv_, node_), Leaf, FromXpath, ns_, __VA_ARGS__)
+    YMAP_DISPATCH(YMAP_NMAP_PIECES)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
+                                    .leaf_form = ::ymap::LeafForm::FromXpath, ns_, __VA_ARGS__)
 #define YMAP_LEAF_HAND(lv_, node_, fn_) \
-    YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(leaf, lv_, node_), Leaf, fn_)
+    YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .leaf_form = ::ymap::LeafForm::Hand, fn_)
+#define YMAP_LEAF_OWN(lv_, node_) \
+    YMAP_DISPATCH(YMAP_NMAP_OWN)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .leaf_form = ::ymap::LeafForm::Hand)
 #define YMAP_LEAF_TABLE(lv_, node_, table_) \
     YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
-                             .form = ::ymap::Form::Table, .table = &(table_))
+                             .leaf_form = ::ymap::LeafForm::Table, .table = &(table_))
 
 // Walkers. `aug` is GEN (the generated augment parser) or HAND (one written in
 // the module's `_man` source under the same name).
@@ -121,9 +132,6 @@
 // Walkers whose node has no mapper of its own use a catch-all mapper.
 #define YMAP_LEAF_WALKER_WITH(lv_, node_, mapper_fn_) \
     YMAP_DISPATCH(YMAP_LWALK)(YMAP_WALKER(lv_, node_), mapper_fn_, Leaf)
-#define YMAP_CONT_WALKER_WITH(lv_, node_, fl_, aug_, mapper_fn_, ...)                            \
-    YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), aug_,        \
-                             Container, fl_, &mapper_fn_, nullptr, nullptr, (), __VA_ARGS__)
 #define YMAP_LIST_WALKER_WITH(lv_, node_, fl_, aug_, mapper_fn_, list_path_, keys_, ...)           \
     YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), aug_, List,  \
                              fl_, nullptr, &mapper_fn_, list_path_, keys_, __VA_ARGS__)
@@ -133,7 +141,6 @@
 #define YMAP_CHILD(tag_, lv_, node_) ::ymap::Child{tag_, &YMAP_WALKER(lv_, node_)},
 #define YMAP_STATE_CHILD(tag_, lv_, node_) \
     ::ymap::Child{tag_, &YMAP_WALKER(lv_, node_), nullptr, nullptr, ::ymap::kStateOnly},
-#define YMAP_CHILD_FN(tag_, fn_) ::ymap::Child{tag_, &fn_},
 // A native leaf, walked inline under the leaf walker's name.
 #define YMAP_INLINE(tag_, lv_, node_) \
     ::ymap::Child{tag_, nullptr, YMAP_STR(YMAP_WALKER(lv_, node_)), &YMAP_MAPPER(leaf, lv_, node_)},
@@ -155,8 +162,10 @@
 #define YMAP_NMAP_DECLARE(fn, ...) \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; YMAP_MAPPER_ROW_DECLARE_(fn)
 #define YMAP_NMAP_PIECES_DECLARE(fn, ...) YMAP_NMAP_DECLARE(fn)
-#define YMAP_NMAP_HAND_DECLARE(fn, kind, hand) \
+#define YMAP_NMAP_HAND_DECLARE(fn, kind, form, hand) \
     YMAP_NMAP_DECLARE(fn) extern "C" YMAP_EXPORT cerrno hand YMAP_NODE_SIG;
+#define YMAP_NMAP_OWN_DECLARE(fn, ...) YMAP_NMAP_DECLARE(fn)
+#define YMAP_CMAP_OWN_DECLARE(fn) YMAP_CMAP_DECLARE(fn)
 #define YMAP_LWALK_DECLARE(fn, ...) \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG; YMAP_WALKER_ROW_DECLARE_(fn)
 #define YMAP_AUG_DECLARE_GEN(parser) YMAP_WALKER_ROW_DECLARE_(parser)
@@ -177,35 +186,42 @@
     extern "C" YMAP_EXPORT cerrno YMAP_DUCK(leaf) YMAP_NODE_SIG {                            \
         return ::ymap::leaf_body(YMAP_STR(YMAP_DUCK(leaf)), ctx, node, out_tree);            \
     }
-#define YMAP_CMAP_AUTO(fn, ...)                                                              \
+#define YMAP_CMAP_ROW_(fn, ...)                                                              \
     namespace ymap::rows {                                                                   \
     constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
         .name = YMAP_STR(fn), .kind = ::ymap::MapperKind::Container,                    \
         .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                    \
-    }                                                                                        \
+    static_assert(::ymap::check_row(YMAP_ROW(fn)));                                          \
+    }
+#define YMAP_CMAP_AUTO(fn, ...)                                                              \
+    YMAP_CMAP_ROW_(fn, __VA_ARGS__)                                                          \
     extern "C" YMAP_EXPORT cerrno fn YMAP_CONT_SIG {                                         \
         return ::ymap::run_container_mapper(::ymap::rows::YMAP_ROW(fn), ctx, node, count, out_tree);       \
     }
 #define YMAP_CMAP_HAND_AUTO(fn, hand_fn) \
-    YMAP_CMAP_AUTO(fn, .form = ::ymap::Form::HandCount, .hand_count = &hand_fn)
-#define YMAP_NMAP_AUTO(fn, mkind, ...)                                                       \
+    YMAP_CMAP_AUTO(fn, .cont_form = ::ymap::ContForm::Hand, .hand_count = &hand_fn)
+#define YMAP_CMAP_OWN_AUTO(fn) YMAP_CMAP_ROW_(fn, .cont_form = ::ymap::ContForm::Hand, .hand_count = &fn)
+#define YMAP_NMAP_ROW_(fn, mkind, ...)                                                       \
     namespace ymap::rows {                                                                   \
     constexpr ::ymap::MapperRow YMAP_ROW(fn){                                                \
         .name = YMAP_STR(fn), .kind = ::ymap::MapperKind::mkind,                        \
         .family = ::ymap::Family::YMAP_FAMILY, __VA_ARGS__};                        \
-    }                                                                                        \
+    static_assert(::ymap::check_row(YMAP_ROW(fn)));                                          \
+    }
+#define YMAP_NMAP_AUTO(fn, mkind, ...)                                                       \
+    YMAP_NMAP_ROW_(fn, mkind, __VA_ARGS__)                                                   \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
         return ::ymap::run_mapper(::ymap::rows::YMAP_ROW(fn), ctx, node, out_tree);                        \
     }
-#define YMAP_NMAP_PIECES_AUTO(fn, mkind, mform, ns_, ...)                                     \
+#define YMAP_NMAP_PIECES_AUTO(fn, mkind, mform, ns_, ...)                                    \
     namespace {                                                                              \
     constexpr const char *YMAP_PASTE(pieces_, fn)[] = {__VA_ARGS__};                         \
     }                                                                                        \
-    YMAP_NMAP_AUTO(fn, mkind, .form = ::ymap::Form::mform, .ns = ns_,                        \
+    YMAP_NMAP_AUTO(fn, mkind, mform, .ns = ns_,                                              \
                    .components = YMAP_PASTE(pieces_, fn),                                    \
                    .component_count = std::size(YMAP_PASTE(pieces_, fn)))
-#define YMAP_NMAP_HAND_AUTO(fn, mkind, hand_fn) \
-    YMAP_NMAP_AUTO(fn, mkind, .form = ::ymap::Form::Hand, .hand = &hand_fn)
+#define YMAP_NMAP_HAND_AUTO(fn, mkind, mform, hand_fn) YMAP_NMAP_AUTO(fn, mkind, mform, .hand = &hand_fn)
+#define YMAP_NMAP_OWN_AUTO(fn, mkind, mform) YMAP_NMAP_ROW_(fn, mkind, mform, .hand = &fn)
 #define YMAP_LWALK_AUTO(...)
 #define YMAP_WALK_AUTO(...)
 
@@ -217,6 +233,8 @@
 #define YMAP_NMAP_PARSER(...)
 #define YMAP_NMAP_PIECES_PARSER(...)
 #define YMAP_NMAP_HAND_PARSER(...)
+#define YMAP_NMAP_OWN_PARSER(...)
+#define YMAP_CMAP_OWN_PARSER(...)
 
 #define YMAP_WALKER_ENTRY_(fn)                                                               \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
@@ -230,6 +248,7 @@
                                              .kind = ::ymap::WalkerKind::wkind,              \
                                              .ns = YMAP_NS,                                  \
                                              .mapper = &mapper_fn};                          \
+    static_assert(::ymap::check_walker(YMAP_ROW(fn)));                                       \
     }                                                                                        \
     YMAP_WALKER_ENTRY_(fn)
 
@@ -265,6 +284,7 @@
             .augment_parser = &parser,                                                       \
             .list_path = (lpath),                                                            \
             .keys = {YMAP_UNPAREN keys_}};                                                    \
+        static_assert(::ymap::check_walker(YMAP_ROW(fn)));                                   \
     }                                                                                        \
     YMAP_WALKER_ENTRY_(fn)
 
@@ -276,6 +296,8 @@
 #define YMAP_NMAP_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_NMAP_PIECES_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_NMAP_HAND_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_NMAP_OWN_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
+#define YMAP_CMAP_OWN_MAPPER_LIST(fn) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_LWALK_MAPPER_LIST(...)
 #define YMAP_WALK_MAPPER_LIST(...)
 
@@ -285,6 +307,8 @@
 #define YMAP_NMAP_WALKER_LIST(...)
 #define YMAP_NMAP_PIECES_WALKER_LIST(...)
 #define YMAP_NMAP_HAND_WALKER_LIST(...)
+#define YMAP_NMAP_OWN_WALKER_LIST(...)
+#define YMAP_CMAP_OWN_WALKER_LIST(...)
 #define YMAP_LWALK_WALKER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_AUG_LIST_GEN(parser) &::ymap::rows::YMAP_ROW(parser),
 #define YMAP_AUG_LIST_HAND(parser)

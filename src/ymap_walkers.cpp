@@ -1,6 +1,8 @@
-// The two walker families. A `qo` walker descends a native tree simply; an
-// `oq` walker carries the meaning of an OpenConfig request that names less than
-// a whole subtree: filters, walk-all passes, replace, key validation.
+// The two walker families. A native-input walker descends a native tree
+// simply; an OpenConfig-input walker carries the meaning of a request that
+// names less than a whole subtree: filters, walk-all passes, replace, key
+// validation. A row's flags may give a walker the behaviour of the other
+// family than its name says.
 #include <cstring>
 
 #include "ymap_frame.hpp"
@@ -39,11 +41,6 @@ const Child *find_child(const WalkerRow &row, const char *tag) {
     return nullptr;
 }
 
-const Child *find_walked_child(const WalkerRow &row, const char *tag) {
-    const Child *c = find_child(row, tag);
-    return c != nullptr && c->walk != nullptr ? c : nullptr;
-}
-
 bool is_key_tag(const WalkerRow &row, const char *tag) {
     for (const char *k : row.keys)
         if (k != nullptr && text_equal(tag, k))
@@ -55,86 +52,126 @@ std::size_t key_count(const WalkerRow &row) {
     return (row.keys[0] != nullptr ? 1 : 0) + (row.keys[1] != nullptr ? 1 : 0);
 }
 
-cerrno bad_subtrees(const WalkerRow &row, yfw_map_ctx *ctx) {
-    YFW_MAP_ERR(ctx, row.name, "Failed to get subtrees!");
-    YFW_MAP_TRC(ctx, row.name, "End");
-    return YFW_ERR_BAD_TREE;
+cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status) {
+    YFW_MAP_TRC(ctx, row.name, YMAP_MSG_END);
+    return status;
 }
 
-cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status) {
-    YFW_MAP_TRC(ctx, row.name, "End");
-    return status;
+cerrno bad_subtrees(const char *name, yfw_map_ctx *ctx) {
+    YFW_MAP_ERR(ctx, name, YMAP_MSG_BAD_SUBTREES);
+    YFW_MAP_TRC(ctx, name, YMAP_MSG_END);
+    return YFW_ERR_BAD_TREE;
 }
 
 cerrno skip_is_success(cerrno status) {
     return status == YFW_MAP_SKIP_NODE ? YFW_SUCCESS : status;
 }
 
-// An own-namespace tag with no mapping in an OpenConfig request: passed over
-// in a read, refused in a write.
-cerrno unsupported_tag(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree *child) {
-    YFW_MAP_ERR(ctx, row.name, "Unsupported tag is specified in the request.");
+// ---- One classification of a child, for every family --------------------------
+
+enum class ChildClass : uint8_t {
+    NoTag,      // malformed: the walk stops
+    Known,      // a child of the schema: its walker
+    OwnUnknown, // the walker's own namespace with no mapping
+    Foreign,    // another namespace: the augment parser
+};
+
+struct Classified {
+    ChildClass what;
+    const Child *child = nullptr;
+};
+
+// State-only children, and every child of a walker that dispatches only in
+// KIND_GET, are known only in KIND_GET; otherwise their tag falls through as
+// if unknown.
+Classified classify(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree &node) {
+    if (node.tag == nullptr)
+        return {ChildClass::NoTag};
+    const bool get = request_kind(ctx) == KIND_GET;
+    const Child *c = find_child(row, node.tag);
+    if (c != nullptr && ((c->flags & kStateOnly) == 0 || get) &&
+        ((row.flags & kGetOnly) == 0 || get))
+        return {ChildClass::Known, c};
+    if ((row.flags & kNoOwnNsTest) == 0 && text_equal(node.namespace_, row.ns))
+        return {ChildClass::OwnUnknown};
+    return {ChildClass::Foreign};
+}
+
+// An own-namespace tag with no mapping: a native answer drops it, and so does
+// a walker that ignores such tags; an OpenConfig request passes over it in a
+// read and refuses it in a write.
+cerrno own_unknown(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree *child) {
+    if (!walks_openconfig(row) || (row.flags & kIgnoresOwnUnknown) != 0) {
+        if ((row.flags & kNamedIgnore) != 0)
+            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_IGNORING_NAMED, child->tag);
+        else
+            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_IGNORING);
+        return YFW_SUCCESS;
+    }
+    YFW_MAP_ERR(ctx, row.name, YMAP_MSG_UNSUPPORTED_TAG);
     if (read_kind(ctx))
         return YFW_SUCCESS;
     return refuse(ctx, child->tag, YFW_ERR_UNSUPPORTED_TAG);
 }
 
-// ---- qo ------------------------------------------------------------------------
-
 // A native leaf, walked inline under its own walker's name.
-cerrno qo_inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
-                      tidl_yfw_datatree *out_tree) {
-    YFW_MAP_TRC(ctx, c.leaf_name, "Start");
-    if (Subtrees(leaf).malformed) {
-        YFW_MAP_ERR(ctx, c.leaf_name, "Failed to get subtrees!");
-        YFW_MAP_TRC(ctx, c.leaf_name, "End");
-        return YFW_ERR_BAD_TREE;
-    }
+cerrno inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
+                   tidl_yfw_datatree *out_tree) {
+    YFW_MAP_TRC(ctx, c.leaf_name, YMAP_MSG_START);
+    if (Subtrees(leaf).malformed)
+        return bad_subtrees(c.leaf_name, ctx);
     if (leaf->present_error_kind != 0 && leaf->error_kind == YFW_MAP_ERROR_KIND_XPATH) {
-        YFW_MAP_TRC(ctx, c.leaf_name, "got xpath error node ");
+        YFW_MAP_TRC(ctx, c.leaf_name, YMAP_MSG_XPATH_ERROR);
         ctx->state->state_flags |= YFW_MAP_STATE_XPATH_ERROR;
     }
     const cerrno status = c.leaf_mapper(ctx, leaf, out_tree);
-    YFW_MAP_TRC(ctx, c.leaf_name, "End");
+    YFW_MAP_TRC(ctx, c.leaf_name, YMAP_MSG_END);
     return status;
 }
 
-// The children of a native container or list entry; a tag the library does not
-// know is dropped, so no native answer fails on it.
-cerrno qo_children(const WalkerRow &row, yfw_map_ctx *ctx, const Subtrees &subs,
-                   tidl_yfw_datatree *out_tree) {
-    const bool dispatch = (row.flags & kGetOnly) == 0 || request_kind(ctx) == KIND_GET;
-    cerrno status = YFW_SUCCESS;
-    for (uint32_t i = 0; i < subs.count && status == YFW_SUCCESS; ++i) {
-        tidl_yfw_datatree *child = &subs.items[i];
-        if (child->tag == nullptr) {
-            YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
-            return YFW_ERR_BAD_TREE;
-        }
-        const Child *c = dispatch ? find_child(row, child->tag) : nullptr;
-        if (c != nullptr)
-            status = c->walk != nullptr ? c->walk(ctx, child, out_tree)
-                                        : qo_inline_leaf(*c, ctx, child, out_tree);
-        else if (text_equal(child->namespace_, row.ns)) {
-            if ((row.flags & kNamedIgnore) != 0)
-                YFW_MAP_TRC(ctx, row.name, "Unsupported tag `%s`. Ignoring.", child->tag);
-            else
-                YFW_MAP_TRC(ctx, row.name, "Unsupported tag. Ignoring.");
-        } else
-            status = row.augment_parser(ctx, child, out_tree);
+// Visits one child by its class.
+cerrno visit(const WalkerRow &row, yfw_map_ctx *ctx, const Classified &cls,
+             tidl_yfw_datatree *child, tidl_yfw_datatree *out_tree) {
+    switch (cls.what) {
+    case ChildClass::NoTag:
+        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_TAG);
+        return YFW_ERR_BAD_TREE;
+    case ChildClass::Known:
+        return cls.child->walk != nullptr ? cls.child->walk(ctx, child, out_tree)
+                                          : inline_leaf(*cls.child, ctx, child, out_tree);
+    case ChildClass::OwnUnknown:
+        return own_unknown(row, ctx, child);
+    case ChildClass::Foreign:
+        return row.augment_parser(ctx, child, out_tree);
     }
+    return YFW_SUCCESS; // not reached: every class is a case
+}
+
+// The children named under a container, in array order, until one fails.
+cerrno visit_children(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *items,
+                      uint32_t count, tidl_yfw_datatree *out_tree) {
+    cerrno status = YFW_SUCCESS;
+    for (uint32_t i = 0; i < count && status == YFW_SUCCESS; ++i)
+        status = visit(row, ctx, classify(row, ctx, items[i]), &items[i], out_tree);
     return status;
 }
+
+const Child *walked_child(const WalkerRow &row, const char *tag) {
+    const Child *c = find_child(row, tag);
+    return c != nullptr && c->walk != nullptr ? c : nullptr;
+}
+
+// ---- Native input ---------------------------------------------------------------
 
 cerrno qo_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                     tidl_yfw_datatree *out_tree) {
     const Subtrees subs(node);
     if (subs.malformed)
-        return bad_subtrees(row, ctx);
+        return bad_subtrees(row.name, ctx);
     yfw_map_add_to_node_hierarchy(ctx, node, YFW_MAP_HIER_CONTAINER);
     cerrno status = row.cont_mapper(ctx, node, subs.count, out_tree);
     if (status == YFW_SUCCESS)
-        status = qo_children(row, ctx, subs, out_tree);
+        status = visit_children(row, ctx, subs.items, subs.count, out_tree);
     yfw_map_remove_from_node_hierarchy(ctx, node);
     return end(row, ctx, skip_is_success(status));
 }
@@ -143,9 +180,9 @@ cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                tidl_yfw_datatree *out_tree) {
     const Subtrees subs(node);
     if (subs.malformed && !((row.flags & kStateOnlyList) != 0 && read_kind(ctx)))
-        return bad_subtrees(row, ctx);
+        return bad_subtrees(row.name, ctx);
     if (subs.count == 0)
-        YFW_MAP_ERR(ctx, row.name, "No keys specified with a list node.");
+        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_KEYS);
     yfw_map_add_to_node_hierarchy(ctx, node, YFW_MAP_HIER_LIST_ENTRY);
     if (yfw_map_update_current_list_node(ctx, row.list_path) == YFW_SUCCESS)
         for (uint32_t i = 0; i < subs.count; ++i)
@@ -160,14 +197,14 @@ cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     const uint8_t lists_before = ctx->state->output_list_count;
     yfw_add_to_output_list_ctx(ctx, node, out_tree);
     const bool list_opened = ctx->state->output_list_count > lists_before;
-    status = qo_children(row, ctx, subs, out_tree);
+    status = visit_children(row, ctx, subs.items, subs.count, out_tree);
     yfw_map_remove_from_node_hierarchy(ctx, node);
     if (list_opened)
         yfw_remove_from_output_list_ctx(ctx, node, out_tree);
     return end(row, ctx, skip_is_success(status));
 }
 
-// ---- oq ------------------------------------------------------------------------
+// ---- OpenConfig input ------------------------------------------------------------
 
 cerrno oq_leaf(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                tidl_yfw_datatree *out_tree) {
@@ -255,28 +292,21 @@ void oq_walk_all(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
     st->filter_flags &= ~(YFW_MAP_FILTER_CONTENT_MATCH | YFW_MAP_FILTER_SELECTION);
 }
 
-// The children named in a request under a container.
-cerrno oq_container_children(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *items,
-                             uint32_t count, tidl_yfw_datatree *out_tree) {
-    const bool get = request_kind(ctx) == KIND_GET;
-    cerrno status = YFW_SUCCESS;
-    for (uint32_t i = 0; i < count && status == YFW_SUCCESS; ++i) {
-        tidl_yfw_datatree *child = &items[i];
-        if (child->tag == nullptr) {
-            YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
-            return YFW_ERR_BAD_TREE;
-        }
-        const Child *c = find_walked_child(row, child->tag);
-        // State-only children match only in KIND_GET; otherwise the tag falls
-        // through as if unknown.
-        if (c != nullptr && ((c->flags & kStateOnly) == 0 || get))
-            status = c->walk(ctx, child, out_tree);
-        else if ((row.flags & kNoOwnNsTest) == 0 && text_equal(child->namespace_, row.ns))
-            status = unsupported_tag(row, ctx, child);
-        else
-            status = row.augment_parser(ctx, child, out_tree);
-    }
-    return status;
+// A replace: the first pass deletes the bare node whole, the second merges the
+// content. Starts the first pass.
+void begin_replace(yfw_map_state *st, tidl_yfw_datatree *node) {
+    yfw_dt_set_operation(node, OP_REMOVE);
+    st->state_flags |= YFW_MAP_STATE_REPLACE_DELETE;
+    st->replace_active = 1;
+}
+void begin_merge_pass(yfw_map_state *st, tidl_yfw_datatree *node) {
+    yfw_dt_set_operation(node, OP_MERGE);
+    st->state_flags |= YFW_MAP_STATE_REPLACE_MERGE;
+    st->state_flags &= ~YFW_MAP_STATE_REPLACE_DELETE;
+}
+void end_replace(yfw_map_state *st) {
+    st->state_flags &= ~kReplaceBits;
+    st->replace_active = 0;
 }
 
 cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
@@ -284,13 +314,13 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
     yfw_map_state *st = ctx->state;
     const Subtrees subs(node);
     if (subs.malformed)
-        return bad_subtrees(row, ctx);
+        return bad_subtrees(row.name, ctx);
     const bool walk_all = st->walk_all == 1;
     const bool read = read_kind(ctx);
 
     // A delete names a container alone.
     if (!walk_all && subs.count != 0 && st->walk_suppress == 0 && yfw_map_is_request_delete(node)) {
-        YFW_MAP_TRC(ctx, row.name, "Delete request with subtree present");
+        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_DELETE_WITH_SUBTREE);
         return end(row, ctx, YFW_ERR_INVALID_ARGS);
     }
     // In a walk-all pass with the expand bit raised, named children do not filter.
@@ -303,12 +333,9 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
             st->filter_flags &= YFW_MAP_FILTER_ENTRY_MASK;
     }
 
-    // A replace is a walk-all delete of the bare node, then a merge of the content.
     const bool replace = own_operation_is(node, OP_REPLACE);
     if (replace) {
-        yfw_dt_set_operation(node, OP_REMOVE);
-        st->state_flags |= YFW_MAP_STATE_REPLACE_DELETE;
-        st->replace_active = 1;
+        begin_replace(st, node);
         yfw_dt_clear_subtrees(node);
         working = 0;
     }
@@ -318,10 +345,8 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
         const cerrno mapped = row.cont_mapper(ctx, node, working, out_tree);
         if (mapped == YFW_MAP_SKIP_NODE && (st->state_flags & YFW_MAP_STATE_REPLACE_DELETE) == 0) {
             // The node is not to be mapped: its children are not seen.
-            if (replace) {
-                st->state_flags &= ~kReplaceBits;
-                st->replace_active = 0;
-            }
+            if (replace)
+                end_replace(st);
             if (!walk_all)
                 yfw_map_remove_from_node_hierarchy(ctx, node);
             return YFW_SUCCESS;
@@ -329,7 +354,7 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
         if (mapped != YFW_MAP_SKIP_NODE) {
             status = mapped;
             if (working != 0 && status == YFW_SUCCESS)
-                status = oq_container_children(row, ctx, node->subtrees, working, out_tree);
+                status = visit_children(row, ctx, node->subtrees, working, out_tree);
             // Content-match leaves and no selection leaf: expand the container whole.
             if ((st->filter_flags & (YFW_MAP_FILTER_SELECTION | YFW_MAP_FILTER_CONTENT_MATCH)) ==
                 YFW_MAP_FILTER_CONTENT_MATCH) {
@@ -341,25 +366,23 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
                 oq_walk_all(row, ctx, node, out_tree);
         }
         if (replace && pass == 0) {
-            yfw_dt_set_operation(node, OP_MERGE);
-            st->state_flags |= YFW_MAP_STATE_REPLACE_MERGE;
-            st->state_flags &= ~YFW_MAP_STATE_REPLACE_DELETE;
+            begin_merge_pass(st, node);
             yfw_dt_set_subtrees(node, subs.items, subs.count);
             working = subs.count;
             if (status != YFW_SUCCESS)
                 break;
         }
     }
-    if (replace) {
-        st->state_flags &= ~kReplaceBits;
-        st->replace_active = 0;
-    }
+    if (replace)
+        end_replace(st);
     if (!walk_all)
         yfw_map_remove_from_node_hierarchy(ctx, node);
     return end(row, ctx, status);
 }
 
-// What a list walker's key scan found among the entry's children.
+// ---- The OpenConfig list walker, step by step -------------------------------------
+
+// What the key scan found among the entry's children.
 struct KeyScan {
     uint32_t keys = 0;
     uint32_t keys_with_value = 0;
@@ -367,6 +390,36 @@ struct KeyScan {
     bool other_children = false;
 };
 
+// Key scan: marks the keys, counts them, and in a key-demanding kind checks
+// each against its twin under `config`. A failed check is returned at once.
+cerrno scan_keys(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                 const Subtrees &subs, KeyScan &scan) {
+    const bool demanding = yfw_map_is_key_demanding_kind(request_kind(ctx)) != 0;
+    for (uint32_t i = 0; i < subs.count; ++i) {
+        tidl_yfw_datatree *child = &subs.items[i];
+        if (child->tag == nullptr || !is_key_tag(row, child->tag)) {
+            scan.other_children = true;
+            continue;
+        }
+        if (demanding) {
+            const cerrno checked =
+                yfw_map_check_oc_leafref(ctx, row.list_path, "config", child, node);
+            if (checked != YFW_SUCCESS) {
+                YFW_MAP_ERR(ctx, row.name, YMAP_MSG_LEAFREF);
+                return checked;
+            }
+        }
+        ++scan.keys;
+        yfw_dt_set_is_key(child);
+        if (child->present_value != 0)
+            ++scan.keys_with_value;
+        else
+            scan.key_without_value = true;
+    }
+    return YFW_SUCCESS;
+}
+
+// Key validation by request kind; a two-key list needs both counts non-zero.
 bool keys_valid(const WalkerRow &row, uint32_t kind, const KeyScan &scan) {
     const uint32_t k = scan.keys;
     const uint32_t v = scan.keys_with_value;
@@ -377,11 +430,38 @@ bool keys_valid(const WalkerRow &row, uint32_t kind, const KeyScan &scan) {
     return v < 2 && k < 2 && (kind != KIND_EDIT_B || v != 0);
 }
 
+// The list mapper's call, with the suppress protocol around it: a delete that
+// names the keys alone shows the mapper walk_suppress 2 (the whole entry
+// goes); a bare delete inside a walk-all pass holds walk_suppress 1 for the
+// rest of the walker, so that nested lists demand no keys.
+struct MapperCall {
+    cerrno status;
+    bool deleted_whole;
+};
+MapperCall call_list_mapper(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                            const Subtrees &subs, const KeyScan &scan, bool &suppress_set,
+                            tidl_yfw_datatree *out_tree) {
+    yfw_map_state *st = ctx->state;
+    const bool del = yfw_map_is_request_delete(node) != 0;
+    if (del && scan.keys != 0 && !scan.other_children && st->walk_suppress == 0) {
+        st->walk_suppress = 2;
+        const cerrno status = row.mapper(ctx, node, out_tree);
+        st->walk_suppress = 0;
+        return {status, true};
+    }
+    if (del && subs.count == 0 && st->walk_all == 1 && st->walk_suppress == 0) {
+        st->walk_suppress = 1;
+        suppress_set = true;
+        return {row.mapper(ctx, node, out_tree), true};
+    }
+    return {row.mapper(ctx, node, out_tree), false};
+}
+
 // An entry named by its keys alone (or, `bare`, an entry or list named with no
 // children at all) is read or deleted whole: its `config`, in KIND_GET its
 // `state`, and the augment parser, as one walk-all pass.
-void oq_expand_entry(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *target,
-                     bool deleted_whole, bool bare, tidl_yfw_datatree *out_tree) {
+void expand_entry(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *target,
+                  bool deleted_whole, bool bare, tidl_yfw_datatree *out_tree) {
     yfw_map_state *st = ctx->state;
     WalkAll walk_all(st);
     const uint32_t suppress_before = st->walk_suppress;
@@ -400,12 +480,12 @@ void oq_expand_entry(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *
     {
         LowerDelete lowered(target);
         if (bare)
-            if (const Child *key = find_walked_child(row, row.keys[0]))
+            if (const Child *key = walked_child(row, row.keys[0]))
                 (void)key->walk(ctx, target, out_tree);
-        if (const Child *config = find_walked_child(row, "config"))
+        if (const Child *config = walked_child(row, "config"))
             (void)config->walk(ctx, target, out_tree);
         if (request_kind(ctx) == KIND_GET)
-            if (const Child *state = find_walked_child(row, "state"))
+            if (const Child *state = walked_child(row, "state"))
                 (void)state->walk(ctx, target, out_tree);
         (void)row.augment_parser(ctx, target, out_tree);
     }
@@ -419,48 +499,83 @@ void oq_expand_entry(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *
     }
 }
 
-// The children named in one instance of a list entry.
-cerrno oq_entry_children(const WalkerRow &row, yfw_map_ctx *ctx, const Subtrees &subs,
-                         KeyScan &scan, tidl_yfw_datatree *out_tree) {
-    yfw_map_state *st = ctx->state;
-    const uint32_t kind = request_kind(ctx);
-    const bool replace_delete = (st->state_flags & YFW_MAP_STATE_REPLACE_DELETE) != 0;
+// The children named in one instance of a list entry: keys (refused when
+// empty in a key-demanding kind or carrying a delete), then the rest by class.
+// The first pass of a replace visits the keys alone.
+cerrno entry_children(const WalkerRow &row, yfw_map_ctx *ctx, const Subtrees &subs, KeyScan &scan,
+                      tidl_yfw_datatree *out_tree) {
+    const bool demanding = yfw_map_is_key_demanding_kind(request_kind(ctx)) != 0;
+    const bool replace_delete = (ctx->state->state_flags & YFW_MAP_STATE_REPLACE_DELETE) != 0;
     cerrno status = YFW_SUCCESS;
     for (uint32_t i = 0; i < subs.count && status == YFW_SUCCESS; ++i) {
         tidl_yfw_datatree *child = &subs.items[i];
-        if (child->tag == nullptr) {
-            YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
-            return YFW_ERR_BAD_TREE;
-        }
-        const Child *c = find_walked_child(row, child->tag);
-        if (is_key_tag(row, child->tag)) {
-            if (yfw_map_is_key_demanding_kind(kind) && child->present_value == 0) {
-                YFW_MAP_ERR(ctx, row.name, "Empty list key specified.");
+        const Classified cls = classify(row, ctx, *child);
+        if (cls.what != ChildClass::NoTag && is_key_tag(row, child->tag)) {
+            if (demanding && child->present_value == 0) {
+                YFW_MAP_ERR(ctx, row.name, YMAP_MSG_EMPTY_KEY);
                 status = refuse(ctx, child->tag, YFW_ERR_LIST_KEY);
             } else if (own_operation_is(child, OP_DELETE) || own_operation_is(child, OP_REMOVE)) {
-                YFW_MAP_ERR(ctx, row.name, "The key node should not have delete operation.");
+                YFW_MAP_ERR(ctx, row.name, YMAP_MSG_KEY_DELETE);
                 yfw_oc_error_path(ctx);
                 status = YFW_ERR_KEY_DELETE;
             } else {
-                if (c != nullptr)
-                    status = c->walk(ctx, child, out_tree);
+                if (cls.what == ChildClass::Known)
+                    status = visit(row, ctx, cls, child, out_tree);
                 yfw_dt_set_is_key(child);
             }
-        } else if (replace_delete) {
-            // The first pass of a replace visits the keys alone.
-        } else if (c != nullptr && ((c->flags & kStateOnly) == 0 || kind == KIND_GET)) {
-            status = c->walk(ctx, child, out_tree);
-            scan.other_children = true;
-        } else {
-            if (text_equal(child->namespace_, row.ns)) {
-                status = unsupported_tag(row, ctx, child);
-            } else {
-                status = row.augment_parser(ctx, child, out_tree);
+        } else if (!replace_delete || cls.what == ChildClass::NoTag) {
+            status = visit(row, ctx, cls, child, out_tree);
+            if (cls.what == ChildClass::Known || cls.what == ChildClass::Foreign)
                 scan.other_children = true;
-            }
         }
     }
     return status;
+}
+
+// The instance loop: the entry itself, or each node of an itree entry that the
+// list mapper pushed. While the status (the mapper's, at first) is good, each
+// instance's children are visited and, named by its keys alone or bare in a
+// read or a delete, the instance is walked whole.
+cerrno walk_instances(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                      const Subtrees &subs, const yfw_map_itree_entry *entry, bool deleted_whole,
+                      KeyScan &scan, cerrno status, tidl_yfw_datatree *out_tree) {
+    const bool del = yfw_map_is_request_delete(node) != 0;
+    const bool read_or_delete = read_kind(ctx) || del;
+    const uint32_t instances = entry != nullptr ? entry->count : 1;
+    for (uint32_t i = 0; i < instances; ++i) {
+        tidl_yfw_datatree *inst = entry != nullptr ? &entry->nodes[i] : node;
+        const Subtrees isubs = entry != nullptr ? Subtrees(inst) : subs;
+        if (i > 0) {
+            yfw_map_add_to_node_hierarchy(ctx, inst, YFW_MAP_HIER_LIST_ENTRY);
+            (void)yfw_map_update_current_list_node(ctx, row.list_path);
+        }
+        if (entry != nullptr && entry->callback != nullptr) {
+            if (del)
+                yfw_dt_set_operation(inst, OP_REMOVE);
+            (void)entry->callback(ctx, inst, out_tree, 0);
+        }
+        if (status == YFW_SUCCESS)
+            status = entry_children(row, ctx, isubs, scan, out_tree);
+        if (status == YFW_SUCCESS && read_or_delete) {
+            if (isubs.count == 0)
+                expand_entry(row, ctx, inst, deleted_whole, true, out_tree);
+            else if (!scan.key_without_value && !scan.other_children && scan.keys != 0)
+                expand_entry(row, ctx, inst, deleted_whole, false, out_tree);
+        }
+        if (i > 0)
+            yfw_map_remove_from_node_hierarchy(ctx, inst);
+    }
+    return status;
+}
+
+// A read that names other children and no key: the output entry needs a key,
+// so the walker adds the key to the input entry itself.
+void add_missing_key(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node) {
+    tidl_yfw_datatree *key = nullptr;
+    (void)yfw_map_datatree_add_path_flagged(ctx, node, row.keys[0], node->namespace_, nullptr,
+                                            nullptr, &key, 0, 0);
+    if (key != nullptr)
+        yfw_dt_set_is_key(key);
 }
 
 cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
@@ -470,13 +585,13 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     const bool read = read_kind(ctx);
     Subtrees subs(node);
     if (subs.malformed && !((row.flags & kStateOnlyList) != 0 && read))
-        return bad_subtrees(row, ctx);
+        return bad_subtrees(row.name, ctx);
     const bool walk_all = st->walk_all == 1;
 
     if (subs.count == 0 && !walk_all && st->walk_suppress == 0) {
-        YFW_MAP_ERR(ctx, row.name, "No keys specified with a list node.");
+        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_KEYS);
         if (yfw_map_is_key_demanding_kind(kind)) {
-            YFW_MAP_TRC(ctx, row.name, "No keys specified with a list node.");
+            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_KEYS);
             return end(row, ctx, YFW_ERR_BAD_TREE);
         }
     }
@@ -488,44 +603,23 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     }
     cerrno status = yfw_map_update_current_list_node(ctx, row.list_path);
 
-    // Key scan.
     KeyScan scan;
     if (subs.count != 0 && status == YFW_SUCCESS && st->walk_all != 1 && st->walk_suppress == 0) {
-        for (uint32_t i = 0; i < subs.count; ++i) {
-            tidl_yfw_datatree *child = &subs.items[i];
-            if (child->tag == nullptr || !is_key_tag(row, child->tag)) {
-                scan.other_children = true;
-                continue;
-            }
-            if (yfw_map_is_key_demanding_kind(kind)) {
-                const cerrno checked =
-                    yfw_map_check_oc_leafref(ctx, row.list_path, "config", child, node);
-                if (checked != YFW_SUCCESS) {
-                    // The hierarchy stays as it is: the framework reads it for the answer.
-                    YFW_MAP_ERR(ctx, row.name, "leafref value check fail");
-                    return end(row, ctx, checked);
-                }
-            }
-            ++scan.keys;
-            yfw_dt_set_is_key(child);
-            if (child->present_value != 0)
-                ++scan.keys_with_value;
-            else
-                scan.key_without_value = true;
-        }
+        const cerrno checked = scan_keys(row, ctx, node, subs, scan);
+        // The hierarchy stays as it is: the framework reads it for the answer.
+        if (checked != YFW_SUCCESS)
+            return end(row, ctx, checked);
     }
-    // Key validation: the walk goes on to the end with the status, doing no work.
+    // A bad key: the walk goes on to the end with the status, doing no work.
     if (!walk_all && subs.count != 0 && st->walk_suppress == 0 && status == YFW_SUCCESS &&
         !keys_valid(row, kind, scan)) {
-        YFW_MAP_ERR(ctx, row.name, "List key node error.");
+        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_KEY_ERROR);
         status = refuse(ctx, row.keys[0], YFW_ERR_LIST_KEY);
     }
 
     const bool replace = own_operation_is(node, OP_REPLACE);
     if (replace) {
-        yfw_dt_set_operation(node, OP_REMOVE);
-        st->state_flags |= YFW_MAP_STATE_REPLACE_DELETE;
-        st->replace_active = 1;
+        begin_replace(st, node);
         scan.other_children = false;
         scan.key_without_value = false;
     }
@@ -534,73 +628,26 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     for (int pass = 0; pass < (replace ? 2 : 1) && status == YFW_SUCCESS; ++pass) {
         subs = Subtrees(node); // an earlier pass may have added a key to the entry
         const uint32_t stack_before = yfw_map_util_itree_stack_size(ctx);
-        const bool del = yfw_map_is_request_delete(node);
-        bool deleted_whole = false;
-        cerrno mapped;
-        if (del && scan.keys != 0 && !scan.other_children && st->walk_suppress == 0) {
-            // A delete that names the keys alone: the mapper sees that the whole entry goes.
-            st->walk_suppress = 2;
-            mapped = row.mapper(ctx, node, out_tree);
-            st->walk_suppress = 0;
-            deleted_whole = true;
-        } else if (del && subs.count == 0 && st->walk_all == 1 && st->walk_suppress == 0) {
-            st->walk_suppress = 1;
-            suppress_set = true;
-            deleted_whole = true;
-            mapped = row.mapper(ctx, node, out_tree);
-        } else {
-            mapped = row.mapper(ctx, node, out_tree);
-        }
-        if (mapped == YFW_MAP_SKIP_NODE) {
+        const MapperCall mapped =
+            call_list_mapper(row, ctx, node, subs, scan, suppress_set, out_tree);
+        if (mapped.status == YFW_MAP_SKIP_NODE) {
             if (suppress_set) {
                 st->walk_suppress = 0;
                 suppress_set = false;
             }
         } else {
-            status = mapped;
+            status = mapped.status;
             yfw_map_itree_entry *entry = nullptr;
             if (yfw_map_util_itree_stack_size(ctx) > stack_before)
                 yfw_map_util_itree_stack_peak(ctx, &entry);
             if (status == YFW_SUCCESS)
                 ctx->list_op = node->present_operation != 0 ? (uint32_t)node->operation : 0u;
-
-            // One instance: the entry itself, or each node of a pushed itree entry.
-            const uint32_t instances = entry != nullptr ? entry->count : 1;
-            for (uint32_t i = 0; i < instances; ++i) {
-                tidl_yfw_datatree *inst = entry != nullptr ? &entry->nodes[i] : node;
-                const Subtrees isubs = entry != nullptr ? Subtrees(inst) : subs;
-                if (i > 0) {
-                    yfw_map_add_to_node_hierarchy(ctx, inst, YFW_MAP_HIER_LIST_ENTRY);
-                    (void)yfw_map_update_current_list_node(ctx, row.list_path);
-                }
-                if (entry != nullptr && entry->callback != nullptr) {
-                    if (del)
-                        yfw_dt_set_operation(inst, OP_REMOVE);
-                    (void)entry->callback(ctx, inst, out_tree, 0);
-                }
-                if (status == YFW_SUCCESS)
-                    status = oq_entry_children(row, ctx, isubs, scan, out_tree);
-                if (status == YFW_SUCCESS && (read || del)) {
-                    if (isubs.count == 0)
-                        oq_expand_entry(row, ctx, inst, deleted_whole, true, out_tree);
-                    else if (!scan.key_without_value && !scan.other_children && scan.keys != 0)
-                        oq_expand_entry(row, ctx, inst, deleted_whole, false, out_tree);
-                }
-                if (i > 0)
-                    yfw_map_remove_from_node_hierarchy(ctx, inst);
-            }
+            status = walk_instances(row, ctx, node, subs, entry, mapped.deleted_whole, scan, status,
+                                    out_tree);
             if (entry != nullptr && entry->count != 0)
                 yfw_map_util_itree_stack_pop(ctx);
-
-            // The output entry needs a key, and the client named none.
-            if (status == YFW_SUCCESS && read && !walk_all && scan.other_children &&
-                scan.keys == 0 && row.keys[0] != nullptr) {
-                tidl_yfw_datatree *key = nullptr;
-                (void)yfw_map_datatree_add_path_flagged(ctx, node, row.keys[0], node->namespace_,
-                                                        nullptr, nullptr, &key, 0, 0);
-                if (key != nullptr)
-                    yfw_dt_set_is_key(key);
-            }
+            if (status == YFW_SUCCESS && read && !walk_all && scan.other_children && scan.keys == 0)
+                add_missing_key(row, ctx, node);
         }
         if (replace && pass == 0) {
             yfw_dt_set_operation(node, OP_MERGE);
@@ -609,10 +656,8 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     }
     if (suppress_set)
         st->walk_suppress = 0;
-    if (replace) {
-        st->state_flags &= ~kReplaceBits;
-        st->replace_active = 0;
-    }
+    if (replace)
+        end_replace(st);
     if (!walk_all)
         yfw_map_remove_from_node_hierarchy(ctx, node);
     return end(row, ctx, skip_is_success(status));
@@ -625,20 +670,11 @@ cerrno oq_augment(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
                   tidl_yfw_datatree *out_tree) {
     const Subtrees subs(node);
     if (subs.malformed)
-        return bad_subtrees(row, ctx);
-    cerrno status = YFW_SUCCESS;
-    if (node->tag == nullptr) {
-        YFW_MAP_ERR(ctx, row.name, "Tag name is not available!");
-        status = YFW_ERR_BAD_TREE;
-    } else {
-        YFW_MAP_TRC(ctx, row.name, "Processing tag '%s'", node->tag);
-        if (const Child *c = find_walked_child(row, node->tag))
-            status = c->walk(ctx, node, out_tree);
-        else if (text_equal(node->namespace_, row.ns))
-            status = unsupported_tag(row, ctx, node);
-        else
-            status = row.augment_parser(ctx, node, out_tree);
-    }
+        return bad_subtrees(row.name, ctx);
+    const Classified cls = classify(row, ctx, *node);
+    if (cls.what != ChildClass::NoTag)
+        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_PROCESSING_TAG, node->tag);
+    const cerrno status = visit(row, ctx, cls, node, out_tree);
     if (subs.count == 0 && status == YFW_SUCCESS &&
         (read_kind(ctx) || yfw_map_is_request_delete(node))) {
         WalkAll walk_all(ctx->state);
@@ -655,7 +691,7 @@ cerrno oq_augment(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
 // place to go and is refused; anything else passes. Native: dropped.
 cerrno augment_parser(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node) {
     cerrno status = YFW_SUCCESS;
-    if (row.family == Family::Oq && yfw_map_is_request_add(ctx, node))
+    if (walks_openconfig(row) && yfw_map_is_request_add(ctx, node))
         status = refuse(ctx, node->tag, YFW_ERR_UNSUPPORTED_AUGMENT);
     return end(row, ctx, status);
 }
@@ -666,15 +702,12 @@ cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
                   tidl_yfw_datatree *out_tree) {
     if (!frame_start(ctx, row.name, node, out_tree))
         return YFW_ERR_INVALID_ARGS;
-    if (row.on_enter != nullptr)
-        row.on_enter();
+    const bool oc = walks_openconfig(row);
     switch (row.kind) {
     case WalkerKind::Container:
-        return row.family == Family::Qo ? qo_container(row, ctx, node, out_tree)
-                                        : oq_container(row, ctx, node, out_tree);
+        return oc ? oq_container(row, ctx, node, out_tree) : qo_container(row, ctx, node, out_tree);
     case WalkerKind::List:
-        return row.family == Family::Qo ? qo_list(row, ctx, node, out_tree)
-                                        : oq_list(row, ctx, node, out_tree);
+        return oc ? oq_list(row, ctx, node, out_tree) : qo_list(row, ctx, node, out_tree);
     case WalkerKind::Leaf:
     case WalkerKind::LeafList:
         return oq_leaf(row, ctx, node, out_tree);
@@ -683,7 +716,7 @@ cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
     case WalkerKind::AugmentParser:
         return augment_parser(row, ctx, node);
     }
-    return end(row, ctx, YFW_SUCCESS);
+    return end(row, ctx, YFW_SUCCESS); // not reached: every kind is a case
 }
 
 } // namespace ymap

@@ -1,37 +1,93 @@
 // Xpath lists: tables of candidate paths from which a type-check callback
-// picks at run time, and the path component arrays of private oper modules.
+// picks at run time. Each table is one constant with its callback, checked
+// when it is built; a mapper copies it to the stack for each call, since the
+// callback marks rows in the copy.
 #pragma once
 
 #include <array>
 #include <cstddef>
-#include <span>
+#include <string_view>
 
 #include "ymap_frame.hpp"
 
 namespace ymap {
 
-// The most path pieces a leaf of a private oper module has.
-inline constexpr std::size_t kMaxPieces = 12;
 // The most rows a table has, its closing row included.
 inline constexpr std::size_t kMaxTableRows = 5;
 
 inline constexpr const char kNullPath[] = "NULL";
 inline constexpr const char kNonePath[] = "None";
 
-// A constant table with the callback that marks its rows.
 struct XpathTable {
     const char *name;
-    std::span<const xpath_list_type_t> rows; // the closing row included
+    const xpath_list_type_t *rows; // the closing row included
+    uint32_t real_rows;            // rows before the closing row
     xpath_type_check_fn callback;
-    std::size_t real_rows() const { return rows.size() - 1; }
 };
 
 // The identity value function of the tables: the node's value as it stands.
 const char *xpath_node_value(const tidl_yfw_datatree *node);
 
-// The row that closes every table.
+// Whether a row has a second path to add ("NULL" and "None" are none).
+bool has_second(const xpath_list_type_t &row);
+
+// The checks of a table's constant: it ends with its closing row, no data row
+// looks like one, it fits the stack copy, and no row starts selected.
+template <std::size_t N> consteval bool check_table(const xpath_list_type_t (&rows)[N]) {
+    const auto is = [](const char *text, std::string_view word) { return word == text; };
+    if (N < 2 || N > kMaxTableRows)
+        throw "a table has one to four data rows and its closing row";
+    const xpath_list_type_t &closing = rows[N - 1];
+    if (!is(closing.xpath, kNullPath) || !is(closing.namespace_, kNullPath) ||
+        !is(closing.second_xpath, kNonePath) || closing.value_fn != nullptr)
+        throw "the last row of a table is its closing row";
+    for (std::size_t i = 0; i + 1 < N; ++i)
+        if (rows[i].xpath[0] != '/' || rows[i].value_fn == nullptr || rows[i].selected != 0 ||
+            is(rows[i].second_xpath, kNonePath))
+            throw "a data row has a path, a value function, and starts unselected";
+    return true;
+}
+
+// A table's constant: `user` (its rows closed by the closing row, checked at
+// compile time) with the callback that marks them. The callback of a table
+// may live in another library; nothing references it until a mapper uses the
+// table.
 #define YMAP_XPATH_CLOSING_ROW                                                                     \
     { "NULL", "NULL", nullptr, 0, 0, "None" }
+#define YMAP_XPATH_TABLE(user_, callback_, ...)                                                    \
+    inline constexpr xpath_list_type_t user_##_rows[] = {__VA_ARGS__, YMAP_XPATH_CLOSING_ROW};     \
+    static_assert(::ymap::check_table(user_##_rows));                                              \
+    inline constexpr ::ymap::XpathTable user_ {                                                    \
+#user_, user_##_rows, static_cast < uint32_t>(std::size(user_##_rows) - 1), &(callback_)   \
+    }
+
+// The one primitive of the table forms, for generated and hand-written
+// mappers alike: copies the table to the stack and runs its callback on the
+// copy with the count of real rows. Then `each` visits the real rows that the
+// callback selected, in table order, so a mark on the closing row has no
+// effect.
+class SelectedRows {
+public:
+    SelectedRows(const XpathTable &table, yfw_map_ctx *ctx);
+
+    // What the callback returned.
+    cerrno callback_status() const { return callback_status_; }
+
+    // Calls each(index, row) for every selected real row and returns the
+    // status of the last call; 0 when none is selected.
+    template <class Each> cerrno each(Each &&each) const {
+        cerrno status = YFW_SUCCESS;
+        for (uint32_t i = 0; i < real_; ++i)
+            if (rows_[i].selected != 0)
+                status = each(i, rows_[i]);
+        return status;
+    }
+
+private:
+    std::array<xpath_list_type_t, kMaxTableRows> rows_;
+    uint32_t real_;
+    cerrno callback_status_;
+};
 
 // The table forms of a list and of a leaf mapper.
 cerrno run_list_table(const XpathTable &table, yfw_map_ctx *ctx, tidl_yfw_datatree *node,

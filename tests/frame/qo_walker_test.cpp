@@ -43,7 +43,7 @@ TEST(QoWalker, NullTagAndMalformedChildrenAreBadTrees) {
     tidl_yfw_datatree *in2 = m.input(host_names("<host-name>r1</host-name>"));
     in2->subtrees = nullptr;
     EXPECT_EQ(kHostNames(m.ctx(), in2, m.session().output()), YFW_ERR_BAD_TREE);
-    r.expect_state_restored();
+    m.expect_state_restored();
 }
 
 TEST(QoWalker, XpathErrorNodeIsMarkedAndStillMapped) {

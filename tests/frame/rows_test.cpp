@@ -12,7 +12,6 @@
 
 #include "ymap_ocsystem_modules.h"
 #include "ymap_xpath.hpp"
-#include "ymap_xpath_tables.hpp"
 
 namespace {
 
@@ -66,7 +65,10 @@ TEST(Rows, TargetsAndPiecesAreWellFormed) {
         if (row->second != nullptr) {
             EXPECT_TRUE(well_formed_path(row->second)) << row->second;
         }
-        if (row->form == ymap::Form::FromXpath || row->form == ymap::Form::Stitched) {
+        const bool pieces =
+            (row->kind == ymap::MapperKind::Leaf && row->leaf_form == ymap::LeafForm::FromXpath) ||
+            (row->kind == ymap::MapperKind::List && row->list_form == ymap::ListForm::Stitched);
+        if (pieces) {
             ASSERT_GE(row->component_count, 2u);
             ASSERT_LE(row->component_count, ymap::kMaxPieces);
             std::string joined;
@@ -78,7 +80,7 @@ TEST(Rows, TargetsAndPiecesAreWellFormed) {
             }
             EXPECT_TRUE(well_formed_path(joined));
         }
-        if (row->path != nullptr || row->form == ymap::Form::FromXpath) {
+        if (row->path != nullptr || pieces) {
             EXPECT_NE(row->ns, nullptr);
         }
     }
@@ -120,25 +122,6 @@ TEST(Rows, WalkersAreComplete) {
                             (c.leaf_name != nullptr && c.leaf_mapper != nullptr))
                     << c.tag;
             }
-        }
-    }
-}
-
-TEST(Rows, XpathTablesEndWithTheirClosingRow) {
-    for (const auto &table : ymap::xpath::all_tables) {
-        SCOPED_TRACE(table.user);
-        ASSERT_GE(table.rows.size(), 2u);
-        const xpath_list_type_t &closing = table.rows.back();
-        EXPECT_STREQ(closing.xpath, "NULL");
-        EXPECT_STREQ(closing.namespace_, "NULL");
-        EXPECT_STREQ(closing.second_xpath, "None");
-        for (std::size_t i = 0; i + 1 < table.rows.size(); ++i) {
-            const xpath_list_type_t &row = table.rows[i];
-            EXPECT_TRUE(well_formed_path(row.xpath)) << row.xpath;
-            EXPECT_TRUE(std::string_view(row.second_xpath) == "NULL" ||
-                        well_formed_path(row.second_xpath));
-            EXPECT_NE(row.value_fn, nullptr);
-            EXPECT_EQ(row.selected, 0u);
         }
     }
 }
@@ -199,8 +182,13 @@ TEST(Rows, OpenConfigChildrenAreSchemaNodesInSchemaOrder) {
     const char *source = std::getenv("OCSYSMAP_SOURCE_DIR");
     const std::string file = std::string(source != nullptr ? source : ".") +
                              "/../shared/openconfig/openconfig-system.tree";
-    if (!std::ifstream(file))
+    if (!std::ifstream(file)) {
+        // CI has the published models beside the checkout: there, a missing
+        // tree is a broken setup, not a reason to skip.
+        if (std::getenv("CI") != nullptr)
+            FAIL() << "no schema tree at " << file;
         GTEST_SKIP() << "no schema tree at " << file;
+    }
     const auto schema = read_schema(file);
     std::map<yfw_map_walker_fn, const ymap::WalkerRow *> by_fn;
     for (const ymap::WalkerRow *row : ymap::all_walker_rows())

@@ -8,14 +8,6 @@ namespace {
 
 using test::Request;
 
-// clang-format off
-constexpr xpath_list_type_t kRows[] = {
-    {"/host-names/host-name",      NS_SHELLUTIL_CFG,         &ymap::xpath_node_value, 0, 0, "NULL"},
-    {"/clock/time-zone/area-name", NS_INFRA_CLOCK_LINUX_CFG, &ymap::xpath_node_value, 0, 0,
-     "/clock/time-zone/time-zone-name"},
-    YMAP_XPATH_CLOSING_ROW};
-// clang-format on
-
 cerrno callback_status = YFW_SUCCESS;
 int32_t callback_count = -1;
 
@@ -28,7 +20,12 @@ cerrno pick(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows) {
     return callback_status;
 }
 
-constexpr ymap::XpathTable kTable{"test table", kRows, &pick};
+// clang-format off
+YMAP_XPATH_TABLE(kTable, pick,
+    {"/host-names/host-name",      NS_SHELLUTIL_CFG,         &ymap::xpath_node_value, 0, 0, "NULL"},
+    {"/clock/time-zone/area-name", NS_INFRA_CLOCK_LINUX_CFG, &ymap::xpath_node_value, 0, 0,
+     "/clock/time-zone/time-zone-name"});
+// clang-format on
 
 struct Case {
     const char *name;
@@ -55,7 +52,7 @@ TEST_P(TableForms, Output) {
     EXPECT_EQ(status, YFW_SUCCESS);
     EXPECT_EQ(callback_count, 2);
     EXPECT_EQ(r.paths(), c.output);
-    EXPECT_EQ(kRows[1].selected, 0u); // the constant table is never written
+    EXPECT_EQ(kTable_rows[1].selected, 0u); // the constant table is never written
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -98,6 +95,54 @@ TEST(TableForms, ACallbackFailureEndsAListMapperButNotALeafMapper) {
     EXPECT_EQ(ymap::run_leaf_table(kTable, leaf.ctx(), in, leaf.session().output()), YFW_SUCCESS);
     EXPECT_NE(leaf.paths(), "");
     callback_status = YFW_SUCCESS;
+}
+
+} // namespace
+
+namespace {
+
+// A hand-written variant on the same primitive: an empty leaf of the native
+// side, where false in the request removes the leaf.
+const char *false_is_null(const tidl_yfw_datatree *node) {
+    return node->value != nullptr && std::string_view(node->value) == "false" ? nullptr
+                                                                              : node->value;
+}
+cerrno pick_second(yfw_map_ctx *, int32_t, xpath_list_type_t *rows) {
+    rows[1].selected = 1;
+    rows[1].value_fn = &false_is_null;
+    return YFW_SUCCESS;
+}
+// clang-format off
+YMAP_XPATH_TABLE(kEmptyLeaf, pick_second,
+    {"/host-names/host-name",      NS_SHELLUTIL_CFG,         &ymap::xpath_node_value, 0, 0, "NULL"},
+    {"/clock/time-zone/area-name", NS_INFRA_CLOCK_LINUX_CFG, &ymap::xpath_node_value, 0, 0, "NULL"});
+// clang-format on
+
+cerrno false_becomes_remove(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out) {
+    const ymap::SelectedRows selected(kEmptyLeaf, ctx);
+    return selected.each([&](uint32_t index, const xpath_list_type_t &row) {
+        EXPECT_EQ(index, 1u);
+        const char *value = row.value_fn(node);
+        if (value == nullptr)
+            yfw_dt_set_operation(node, OP_REMOVE);
+        return yfw_map_datatree_add_path_flagged(ctx, out, row.xpath, row.namespace_, value, node,
+                                                 nullptr, 0, row.augment_flag);
+    });
+}
+
+TEST(SelectedRows, CarryTheCallbacksValueFunctionToAHandWrittenVariant) {
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *in = r.input(test::oc_system("<x>false</x>"));
+    ASSERT_EQ(false_becomes_remove(r.ctx(), &in->subtrees[0], r.session().output()), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(),
+              kZone + "\n" + kZone + "/time-zone\n" + kZone + "/time-zone/area-name @remove\n");
+    EXPECT_EQ(kEmptyLeaf_rows[1].value_fn, &ymap::xpath_node_value);
+}
+
+TEST(SelectedRows, HasSecondIgnoresBothPlaceholders) {
+    EXPECT_TRUE(ymap::has_second(kTable_rows[1]));
+    EXPECT_FALSE(ymap::has_second(kTable_rows[0]));
+    EXPECT_FALSE(ymap::has_second(kTable_rows[2]));
 }
 
 } // namespace
