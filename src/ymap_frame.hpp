@@ -349,26 +349,27 @@ std::span<const WalkerRow *const> all_walker_rows();
 // and `out_tree`; YMAP_HAND_COUNT adds `count`, YMAP_HAND_CALLBACK is a
 // type-check callback of (ctx, count, rows).
 #define YMAP_HAND_PARAMS_ [[maybe_unused]] const char *name, [[maybe_unused]] yfw_map_ctx *ctx
+#define YMAP_HAND_NODE_ [[maybe_unused]] tidl_yfw_datatree *node
+#define YMAP_HAND_COUNT_ [[maybe_unused]] uint32_t count
+#define YMAP_HAND_OUT_ [[maybe_unused]] tidl_yfw_datatree *out_tree
 #define YMAP_HAND(fn)                                                                              \
-    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node,                           \
-                             [[maybe_unused]] tidl_yfw_datatree *out_tree);                        \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, YMAP_HAND_NODE_, YMAP_HAND_OUT_);                  \
     extern "C" YMAP_EXPORT cerrno fn(yfw_map_ctx *ctx, tidl_yfw_datatree *node,                    \
                                      tidl_yfw_datatree *out_tree) {                                \
         return ::ymap::run_hand(#fn, &fn##_body_, ctx, node, out_tree);                            \
     }                                                                                              \
-    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node,                           \
-                             [[maybe_unused]] tidl_yfw_datatree *out_tree)
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, YMAP_HAND_NODE_, YMAP_HAND_OUT_)
 #define YMAP_HAND_COUNT(fn)                                                                        \
-    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node, uint32_t count,           \
-                             [[maybe_unused]] tidl_yfw_datatree *out_tree);                        \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, YMAP_HAND_NODE_, YMAP_HAND_COUNT_,                 \
+                             YMAP_HAND_OUT_);                                                      \
     extern "C" YMAP_EXPORT cerrno fn(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,    \
                                      tidl_yfw_datatree *out_tree) {                                \
         return ::ymap::run_hand_count(#fn, &fn##_body_, ctx, node, count, out_tree);               \
     }                                                                                              \
-    static cerrno fn##_body_(YMAP_HAND_PARAMS_, tidl_yfw_datatree *node, uint32_t count,           \
-                             [[maybe_unused]] tidl_yfw_datatree *out_tree)
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, YMAP_HAND_NODE_, YMAP_HAND_COUNT_, YMAP_HAND_OUT_)
 #define YMAP_HAND_CALLBACK(fn)                                                                     \
-    static cerrno fn##_body_(YMAP_HAND_PARAMS_, int32_t count, xpath_list_type_t *rows);           \
+    static cerrno fn##_body_(YMAP_HAND_PARAMS_, [[maybe_unused]] int32_t count,                    \
+                             xpath_list_type_t *rows);                                             \
     extern "C" YMAP_EXPORT cerrno fn(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows) {   \
         return ::ymap::run_hand_callback(#fn, &fn##_body_, ctx, count, rows);                      \
     }                                                                                              \

@@ -19,12 +19,14 @@ cerrno oc_qv_ntp_iburst(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows
 cerrno oc_qv_ntp_prefer(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_host_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_port_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno oc_qv_selector_severity_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
+cerrno oc_qv_selector_severity_type_check_call_back(yfw_map_ctx *ctx, int32_t count,
+                                                    xpath_list_type_t *rows);
 cerrno oc_qv_ipv4_vrf_list(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_ipv4_vrf_vrfname(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_ipv6_vrf_list(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_ipv6_vrf_vrfname(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno qv_oc_selector_severity_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
+cerrno qv_oc_selector_severity_type_check_call_back(yfw_map_ctx *ctx, int32_t count,
+                                                    xpath_list_type_t *rows);
 cerrno qv_oc_port_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno qv_oc_host_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno qv_oc_server_ipv4_ipv6_address(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);

@@ -1,5 +1,9 @@
 // Trace pairs of the frame: both sinks, each on its own, with the unit's name.
+#include <dlfcn.h>
+
 #include <cctype>
+#include <fstream>
+#include <set>
 
 #include "harness.hpp"
 #include "ymap_ocsystem_modules.h"
@@ -75,6 +79,7 @@ TEST(Trace, EachSinkAloneAndNoSequenceNumberWhenTheRingIsOff) {
     EXPECT_EQ(yfw::trace_index_drawn(), drawn);
 
     Request ring_only(KIND_GET_CONFIG);
+    ring_only.session().set_debug_log(false);
     ring_only.session().set_ring_trace(true);
     ASSERT_EQ(ring_only.run(&ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames, kResponse),
               YFW_SUCCESS);
@@ -108,6 +113,64 @@ TEST(Trace, RingLineIsCutAt249Characters) {
     long_statement(r.ctx());
     EXPECT_EQ(r.session().ring_trace().back().size(), 249u);
     EXPECT_GT(r.session().debug_log().back().size(), 400u);
+}
+
+} // namespace
+
+namespace {
+
+// The unit a ring line names: "#<n>: <word>: <unit>:<line> ...".
+std::string unit_of(std::string_view line) {
+    line.remove_prefix(line.find(": ") + 2);
+    line.remove_prefix(line.find(": ") + 2);
+    return std::string(line.substr(0, line.rfind(':', line.find(" ctx="))));
+}
+
+// Every shipped example, walked as the tool walks it, and a whole read of
+// /system: each ring line names an exported function of the library (a row's
+// entry point or a hand-written function) or an inline leaf walker of a row.
+TEST(Trace, EveryLineOfAWalkNamesARowOrAHandWrittenFunction) {
+    void *lib = dlopen(OCSYSMAP_LIBRARY, RTLD_LAZY | RTLD_LOCAL);
+    ASSERT_NE(lib, nullptr) << dlerror();
+    std::set<std::string> inline_leaves;
+    for (const ymap::WalkerRow *row : ymap::all_walker_rows())
+        for (const ymap::Child &c : row->children)
+            if (c.leaf_name != nullptr)
+                inline_leaves.insert(c.leaf_name);
+    std::vector<yfw_map_reg_mod_t> trees;
+#define YMAP_REGISTER_(fn) fn(&trees.emplace_back());
+    YMAP_OCSYSTEM_REGISTRATIONS(YMAP_REGISTER_)
+#undef YMAP_REGISTER_
+
+    const char *source = std::getenv("OCSYSMAP_SOURCE_DIR");
+    const std::string dir = std::string(source != nullptr ? source : ".") + "/examples/";
+    std::vector<std::pair<uint32_t, std::string>> requests = {
+        {KIND_GET, "<system xmlns=\"" + std::string(test::kOc) + "\"/>"}};
+    std::ifstream job(dir + "main-job.txt");
+    for (std::string kind, file; job >> kind >> file;) {
+        std::ifstream in(dir + file);
+        const uint32_t k = kind == "get" ? KIND_GET : kind == "get-config" ? KIND_GET_CONFIG : 1;
+        requests.emplace_back(k, std::string(std::istreambuf_iterator<char>(in), {}));
+    }
+    ASSERT_GT(requests.size(), 5u);
+    std::set<std::string> seen;
+    for (const auto &[kind, xml] : requests) {
+        Request r(kind);
+        r.session().set_ring_trace(true);
+        tidl_yfw_datatree *root = r.input(xml);
+        yfw_map_walker_fn walker = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
+        for (const yfw_map_reg_mod_t &t : trees)
+            if (std::string_view(t.native_namespace) == root->namespace_ &&
+                std::string_view(t.native_root) == root->tag)
+                walker = t.native_to_oc;
+        (void)walker(r.ctx(), root, r.session().output());
+        for (const std::string &line : r.session().ring_trace())
+            seen.insert(unit_of(line));
+    }
+    for (const std::string &unit : seen)
+        EXPECT_TRUE(dlsym(lib, unit.c_str()) != nullptr || inline_leaves.contains(unit)) << unit;
+    EXPECT_GT(seen.size(), 50u);
+    dlclose(lib);
 }
 
 } // namespace

@@ -34,7 +34,10 @@ inline std::string native(std::string_view module, std::string_view root, std::s
 
 class Request {
 public:
-    explicit Request(uint32_t kind, bool oper_only = false) : session_(kind, oper_only) {}
+    // The debug log is on, so that refusals can be checked by their message.
+    explicit Request(uint32_t kind, bool oper_only = false) : session_(kind, oper_only) {
+        session_.set_debug_log(true);
+    }
 
     // One input root from XML.
     tidl_yfw_datatree *input(std::string_view xml) {
@@ -78,6 +81,31 @@ public:
 private:
     yfw::Session session_;
 };
+
+// How a refused request is reported: the status, the tag kept for the answer,
+// the error path, and the error line of the debug log (for YFW_ERR_BAD_VALUE,
+// the error message). An empty text means none is kept.
+struct Refusal {
+    cerrno status;
+    std::string tag = "";
+    std::string path = "";
+    std::string message = "";
+};
+
+inline void expect_refused(Request &r, cerrno got, const Refusal &want) {
+    EXPECT_EQ(got, want.status);
+    EXPECT_EQ(r.error_tag(), want.tag);
+    EXPECT_EQ(r.error_path(), want.path);
+    if (want.status == YFW_ERR_BAD_VALUE) {
+        const char *message = r.state()->error_message;
+        EXPECT_EQ(message != nullptr ? std::string(message) : "", want.message);
+    } else if (!want.message.empty()) {
+        bool found = false;
+        for (const std::string &line : r.session().debug_log())
+            found = found || (line.starts_with("ERR: ") && line.ends_with("," + want.message));
+        EXPECT_TRUE(found) << "no error line " << want.message;
+    }
+}
 
 // Lines of `text` that contain `needle`.
 inline int count_lines(const std::vector<std::string> &lines, std::string_view needle) {
