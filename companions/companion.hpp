@@ -107,6 +107,14 @@ struct Native {
     const char *value = nullptr;
 };
 using ToNative = Native (*)(const char *value);
+// A boolean: true sets `on`, false removes the native leaf, any other word is refused.
+inline Native boolean(const char *value, const char *on, const char *message) {
+    if (text(value) == "true")
+        return {Native::Set, on};
+    if (text(value) == "false")
+        return {Native::Remove};
+    return {Native::Refuse, message};
+}
 inline Native unchanged(const char *value) {
     return {Native::Set, value};
 }

@@ -14,21 +14,13 @@ using namespace companion;
 // The enable state has no native leaf; this association limit stands for it.
 constexpr const char kEnabledMark[] = "101";
 
+// Disabled: the limit goes back to the device default, which is not the mark.
 Native enabled_mark(const char *value) {
-    if (text(value) == "true")
-        return {Native::Set, kEnabledMark};
-    // Disabled: the limit goes back to the device default, which is not the mark.
-    if (text(value) == "false")
-        return {Native::Remove};
-    return {Native::Refuse, "NTP enabled must be true or false"};
+    return boolean(value, kEnabledMark, "NTP enabled must be true or false");
 }
 
 Native empty_leaf(const char *value) {
-    if (text(value) == "true")
-        return {Native::Set, ""};
-    if (text(value) == "false")
-        return {Native::Remove};
-    return {Native::Refuse, "NTP authentication enable must be true or false"};
+    return boolean(value, "", "NTP authentication enable must be true or false");
 }
 
 enum Family { Ipv4 = 0, Ipv6 = 1, Neither = 2 };

@@ -7,11 +7,7 @@ namespace {
 using namespace companion;
 
 Native boolean_empty_leaf(const char *value) {
-    if (text(value) == "true")
-        return {Native::Set, ""};
-    if (text(value) == "false")
-        return {Native::Remove};
-    return {Native::Refuse, "SSH enable must be true or false"};
+    return boolean(value, "", "SSH enable must be true or false");
 }
 
 // v2 alone restricts the server to version 2; without it both are served.
