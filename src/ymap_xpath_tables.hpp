@@ -4,19 +4,15 @@
 // path; the `state` twin of a row that writes both forms).
 #pragma once
 
+#include "ymap_companions.h"
 #include "ymap_namespaces.hpp"
 #include "ymap_xpath.hpp"
 
-// The callbacks. Those of the NTP servers come from the NTP companion library;
-// the others are the library's own, each written with the feature that uses
-// its table.
+// The callbacks. Those of the NTP servers come from the NTP companion library
+// (ymap_companions.h); the others are the library's own, each written with
+// the feature that uses its table.
 extern "C" {
 cerrno oc_qv_system_dns_servers_server(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno oc_qv_server_list_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno oc_qv_ntp_version(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno oc_qv_ntp_assoc_type(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno oc_qv_ntp_iburst(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno oc_qv_ntp_prefer(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_host_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_port_type_check_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno oc_qv_selector_severity_type_check_call_back(yfw_map_ctx *ctx, int32_t count,

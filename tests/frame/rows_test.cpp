@@ -12,6 +12,7 @@
 
 #include "ymap_ocsystem_modules.h"
 #include "ymap_xpath.hpp"
+#include "ymap_xpath_tables.hpp" // its tables are checked as it compiles
 
 namespace {
 
