@@ -118,19 +118,17 @@ TEST(OqWalker, UnknownOwnTagIsPassedOverInAReadAndRefusedInAWrite) {
     read.expect_state_restored();
 
     Request write(KIND_EDIT_B);
-    EXPECT_EQ(write.run(kTop, top("<config><nope>1</nope><x>2</x></config>")),
-              YFW_ERR_UNSUPPORTED_TAG);
-    EXPECT_EQ(write.error_tag(), "nope");
-    EXPECT_EQ(write.error_path(), "/urn:test:oq:top/config");
+    test::expect_refused(write, write.run(kTop, top("<config><nope>1</nope><x>2</x></config>")),
+                         {YFW_ERR_UNSUPPORTED_TAG, "nope", "/urn:test:oq:top/config",
+                          "Unsupported tag is specified in the request."});
     EXPECT_EQ(write.paths(), ""); // the walk stopped before x
     write.expect_state_restored();
 }
 
 TEST(OqWalker, ForeignNodeInAnEditIsAnUnsupportedAugment) {
     Request r(KIND_EDIT_A);
-    EXPECT_EQ(r.run(kTop, top("<config><q xmlns=\"urn:other\">1</q></config>")),
-              YFW_ERR_UNSUPPORTED_AUGMENT);
-    EXPECT_EQ(r.error_tag(), "q");
+    test::expect_refused(r, r.run(kTop, top("<config><q xmlns=\"urn:other\">1</q></config>")),
+                         {YFW_ERR_UNSUPPORTED_AUGMENT, "q", "/urn:test:oq:top/config"});
     // A delete of it is no add: passed over.
     Request del(KIND_EDIT_A);
     EXPECT_EQ(
@@ -203,8 +201,7 @@ struct KeyCase {
     const char *name;
     uint32_t kind;
     const char *body;
-    cerrno status;
-    const char *error_tag = "";
+    test::Refusal report;
     friend void PrintTo(const KeyCase &c, std::ostream *os) { *os << c.name; }
 };
 
@@ -213,34 +210,55 @@ class KeyValidation : public ::testing::TestWithParam<KeyCase> {};
 TEST_P(KeyValidation, StatusAndReport) {
     const KeyCase &c = GetParam();
     Request r(c.kind);
-    EXPECT_EQ(r.run(kTop, top(c.body)), c.status);
-    EXPECT_EQ(r.error_tag(), c.error_tag);
+    test::expect_refused(r, r.run(kTop, top(c.body)), c.report);
     r.expect_state_restored();
 }
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, KeyValidation,
     ::testing::Values(
-        KeyCase{"edit_a_with_key", KIND_EDIT_A,
-                "<lst><name>a</name><config><text>t</text></config></lst>", YFW_SUCCESS},
-        KeyCase{"edit_a_without_key", KIND_EDIT_A, "<lst><config><text>t</text></config></lst>",
-                YFW_ERR_LIST_KEY, "name"},
-        KeyCase{"edit_b_without_key", KIND_EDIT_B, "<lst><config><text>t</text></config></lst>",
-                YFW_ERR_LIST_KEY, "name"},
-        KeyCase{"edit_c_two_keys", KIND_EDIT_C, "<lst><name>a</name><name>b</name></lst>",
-                YFW_ERR_LIST_KEY, "name"},
-        KeyCase{"edit_b_empty_value_is_a_value", KIND_EDIT_B, "<lst><name/><config/></lst>",
-                YFW_SUCCESS},
-        KeyCase{"other_kind_no_key", 3, "<lst><config><text>t</text></config></lst>", YFW_SUCCESS},
-        KeyCase{"read_no_key", KIND_GET_CONFIG, "<lst><config><text/></config></lst>", YFW_SUCCESS},
-        KeyCase{"key_with_delete", KIND_EDIT_A, "<lst><name nc:operation=\"delete\">a</name></lst>",
-                YFW_ERR_KEY_DELETE},
-        KeyCase{"leafref_mismatch", KIND_EDIT_A,
-                "<lst><name>a</name><config><name>b</name></config></lst>", YFW_ERR_LIST_KEY},
-        KeyCase{"leafref_match", KIND_EDIT_A,
-                "<lst><name>a</name><config><name>a</name></config></lst>", YFW_SUCCESS},
-        KeyCase{"state_in_a_write", KIND_EDIT_A, "<lst><name>a</name><state/></lst>",
-                YFW_ERR_UNSUPPORTED_TAG, "state"}),
+        KeyCase{"edit_a_with_key",
+                KIND_EDIT_A,
+                "<lst><name>a</name><config><text>t</text></config></lst>",
+                {YFW_SUCCESS}},
+        KeyCase{"edit_a_without_key",
+                KIND_EDIT_A,
+                "<lst><config><text>t</text></config></lst>",
+                {YFW_ERR_LIST_KEY, "name", "/urn:test:oq:top/lst", "List key node error."}},
+        KeyCase{"edit_b_without_key",
+                KIND_EDIT_B,
+                "<lst><config><text>t</text></config></lst>",
+                {YFW_ERR_LIST_KEY, "name", "/urn:test:oq:top/lst", "List key node error."}},
+        KeyCase{"edit_c_two_keys",
+                KIND_EDIT_C,
+                "<lst><name>a</name><name>b</name></lst>",
+                {YFW_ERR_LIST_KEY, "name", "/urn:test:oq:top/lst", "List key node error."}},
+        KeyCase{"edit_b_empty_value_is_a_value",
+                KIND_EDIT_B,
+                "<lst><name/><config/></lst>",
+                {YFW_SUCCESS}},
+        KeyCase{
+            "other_kind_no_key", 3, "<lst><config><text>t</text></config></lst>", {YFW_SUCCESS}},
+        KeyCase{
+            "read_no_key", KIND_GET_CONFIG, "<lst><config><text/></config></lst>", {YFW_SUCCESS}},
+        KeyCase{"key_with_delete",
+                KIND_EDIT_A,
+                "<lst><name nc:operation=\"delete\">a</name></lst>",
+                {YFW_ERR_KEY_DELETE, "", "/urn:test:oq:top/lst",
+                 "The key node should not have delete operation."}},
+        KeyCase{"leafref_mismatch",
+                KIND_EDIT_A,
+                "<lst><name>a</name><config><name>b</name></config></lst>",
+                {YFW_ERR_LIST_KEY, "", "", "leafref value check fail"}},
+        KeyCase{"leafref_match",
+                KIND_EDIT_A,
+                "<lst><name>a</name><config><name>a</name></config></lst>",
+                {YFW_SUCCESS}},
+        KeyCase{"state_in_a_write",
+                KIND_EDIT_A,
+                "<lst><name>a</name><state/></lst>",
+                {YFW_ERR_UNSUPPORTED_TAG, "state", "/urn:test:oq:top/lst",
+                 "Unsupported tag is specified in the request."}}),
     [](const auto &info) { return std::string(info.param.name); });
 
 TEST(OqListWalker, EditCarriesKeyAndContentIntoTheOutputEntry) {

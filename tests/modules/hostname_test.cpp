@@ -91,9 +91,9 @@ TEST(HostName, ReplaceOfConfigDeletesEveryLeafThenMerges) {
 
 TEST(HostName, DeleteOfConfigWithChildrenIsRefused) {
     Request r(KIND_EDIT_A);
-    EXPECT_EQ(r.run(kSystem, oc_system("<config nc:operation=\"delete\"><hostname/></config>")),
-              YFW_ERR_INVALID_ARGS);
-    EXPECT_EQ(r.error_path(), "");
+    test::expect_refused(
+        r, r.run(kSystem, oc_system("<config nc:operation=\"delete\"><hostname/></config>")),
+        {YFW_ERR_INVALID_ARGS});
     r.expect_state_restored();
 }
 
@@ -103,10 +103,10 @@ TEST(HostName, UnknownTagUnderConfig) {
     EXPECT_EQ(read.paths(), std::string(kNativeHost) + "\n");
 
     Request write(KIND_EDIT_A);
-    EXPECT_EQ(write.run(kSystem, oc_system("<config><color>red</color></config>")),
-              YFW_ERR_UNSUPPORTED_TAG);
-    EXPECT_EQ(write.error_tag(), "color");
-    EXPECT_EQ(write.error_path(), "/openconfig-system:system/config");
+    test::expect_refused(write,
+                         write.run(kSystem, oc_system("<config><color>red</color></config>")),
+                         {YFW_ERR_UNSUPPORTED_TAG, "color", "/openconfig-system:system/config",
+                          "Unsupported tag is specified in the request."});
     write.expect_state_restored();
 }
 
