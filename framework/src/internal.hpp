@@ -63,6 +63,17 @@ std::string normalize_path(std::string_view path);
 struct ListState {
     uint32_t current = kNone;
     TextMap<uint32_t> by_key;
+    // The open output list whose entry was last made current here, 0 for none.
+    uint64_t bound_to = 0;
+};
+
+// An input list entry that a native walker has opened an output list for: its
+// key leaves by name. Adds below an output list with the same key names go to
+// the entry with these values.
+struct OpenEntry {
+    uint64_t serial = 0;
+    std::vector<std::string_view> key_names;
+    std::vector<const char *> key_values;
 };
 
 // Lookup state of the children of one array, kept as positions by the
@@ -147,6 +158,7 @@ struct HierarchyFrame {
 
 struct OutputListFrame {
     const tidl_yfw_datatree *entry;
+    yfw::detail::OpenEntry keys;
 };
 
 struct yfw_map_session {

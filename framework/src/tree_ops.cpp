@@ -47,7 +47,10 @@ cerrno add_segments(yfw_map_session &session, tidl_yfw_datatree *tree,
                     const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out,
                     bool list_entry) {
     Editor editor(*session.home, ns);
-    note_add(session, tree, editor.add(tree, segments, value, list_entry), source, new_node_out);
+    const OpenEntry *open =
+        session.output_lists.empty() ? nullptr : &session.output_lists.back().keys;
+    note_add(session, tree, editor.add(tree, segments, value, list_entry, open), source,
+             new_node_out);
     return YFW_SUCCESS;
 }
 

@@ -48,6 +48,27 @@ const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yf
     return keys.empty() ? nullptr : child_with_tag(entry, keys.front());
 }
 
+// The keys of an input entry by name: the children the walker marked as keys,
+// wherever they stand among the others, else the schema's keys of its list.
+OpenEntry open_entry(yfw_map_session &session, const tidl_yfw_datatree *entry) {
+    OpenEntry open{session.next_serial++, {}, {}};
+    for (const tidl_yfw_datatree &child : children(entry)) {
+        if (child.present_is_key && child.is_key && child.tag != nullptr) {
+            open.key_names.emplace_back(child.tag);
+            open.key_values.push_back(child.value);
+        }
+    }
+    if (const std::size_t depth = session.depth_of(entry);
+        open.key_names.empty() && depth != kNoDepth) {
+        for (std::string_view key : yfw::list_keys(session.hierarchy_path(depth))) {
+            const tidl_yfw_datatree *leaf = child_with_tag(entry, key);
+            open.key_names.push_back(key);
+            open.key_values.push_back(leaf != nullptr ? leaf->value : nullptr);
+        }
+    }
+    return open;
+}
+
 void close_output_list(yfw_map_ctx &ctx, yfw_map_session &session) {
     session.output_lists.pop_back();
     if (ctx.list_index > 0)
@@ -143,7 +164,7 @@ void yfw_add_to_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input
     context.output_list_key[context.list_index++] = key->value != nullptr ? key->value : no_value;
     if (context.state != nullptr)
         ++context.state->output_list_count;
-    session->output_lists.push_back({input_node});
+    session->output_lists.push_back({input_node, open_entry(*session, input_node)});
 }
 
 void yfw_remove_from_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
