@@ -183,6 +183,8 @@ struct yfw_map_session {
     yfw::detail::TextMap<CurrentRecord> current_lists;
 
     std::deque<yfw_map_itree_entry> itree;
+    // The node whose children each itree entry holds, null when none does.
+    std::vector<const tidl_yfw_datatree *> itree_owners;
     std::vector<OutputListFrame> output_lists;
     std::string error_path;
 

@@ -34,6 +34,41 @@ const tidl_yfw_datatree *walk_node(const yfw_map_session &session, const std::st
     return frames[segments.size() - 1].node;
 }
 
+// The children of a node of the walk, also while a walker has set them aside
+// on the itree stack (an entry named by its keys alone is walked bare).
+std::span<const tidl_yfw_datatree> walk_children(const yfw_map_session &session,
+                                                 const tidl_yfw_datatree *node) {
+    if (auto kids = children(node); !kids.empty() || node == nullptr)
+        return kids;
+    for (std::size_t i = session.itree.size(); i-- > 0;)
+        if (session.itree_owners[i] == node && session.itree[i].nodes != nullptr)
+            return {session.itree[i].nodes, session.itree[i].count};
+    return {};
+}
+
+const tidl_yfw_datatree *walk_child(const yfw_map_session &session, const tidl_yfw_datatree *node,
+                                    std::string_view tag) {
+    auto kids = walk_children(session, node);
+    auto it = std::ranges::find_if(
+        kids, [tag](const tidl_yfw_datatree &kid) { return kid.tag != nullptr && tag == kid.tag; });
+    return it == kids.end() ? nullptr : &*it;
+}
+
+// The node whose children array starts at `nodes`: the array's holder in an
+// arena, else a node of the walk that holds it.
+const tidl_yfw_datatree *holder_of(const yfw_map_session &session, const tidl_yfw_datatree *nodes) {
+    if (nodes == nullptr)
+        return nullptr;
+    if (const Block *block = block_starting_at(nodes))
+        return block->parent;
+    for (std::size_t i = session.hierarchy.size(); i-- > 0;) {
+        const tidl_yfw_datatree *node = session.hierarchy[i].node;
+        if (node->present_subtrees && node->subtrees == nodes)
+            return node;
+    }
+    return nullptr;
+}
+
 // The child that carries the entry's key: one marked as key, else the first schema key.
 const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yfw_datatree *entry) {
     auto kids = children(entry);
@@ -121,13 +156,13 @@ cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char
     if (path.ends_with("/config")) {
         // A key mirrored in the entry's config container.
         if (const tidl_yfw_datatree *entry = walk_node(*session, path.substr(0, path.size() - 7)))
-            holder = child_with_tag(entry, "config");
+            holder = walk_child(*session, entry, "config");
         else if ((holder = walk_node(*session, path)) == nullptr)
             return YFW_ERR_BAD_TREE;
     } else if ((holder = walk_node(*session, path)) == nullptr) {
         return YFW_ERR_BAD_TREE;
     }
-    const tidl_yfw_datatree *leaf = child_with_tag(holder, key_name);
+    const tidl_yfw_datatree *leaf = walk_child(*session, holder, key_name);
     *value_out = leaf != nullptr ? leaf->value : nullptr;
     return YFW_SUCCESS;
 }
@@ -223,8 +258,10 @@ uint32_t yfw_map_util_itree_stack_size(yfw_map_ctx *ctx) {
 
 void yfw_map_util_itree_stack_push(yfw_map_ctx *ctx, tidl_yfw_datatree *nodes, uint32_t count,
                                    yfw_map_itree_cb callback) {
-    if (yfw_map_session *session = session_of(ctx))
+    if (yfw_map_session *session = session_of(ctx)) {
+        session->itree_owners.push_back(holder_of(*session, nodes));
         session->itree.push_back({nodes, count, callback});
+    }
 }
 
 void yfw_map_util_itree_stack_peak(yfw_map_ctx *ctx, yfw_map_itree_entry **entry_out) {
@@ -236,8 +273,10 @@ void yfw_map_util_itree_stack_peak(yfw_map_ctx *ctx, yfw_map_itree_entry **entry
 
 void yfw_map_util_itree_stack_pop(yfw_map_ctx *ctx) {
     yfw_map_session *session = session_of(ctx);
-    if (session != nullptr && !session->itree.empty())
+    if (session != nullptr && !session->itree.empty()) {
         session->itree.pop_back();
+        session->itree_owners.pop_back();
+    }
 }
 
 void yfw_oc_error_path(yfw_map_ctx *ctx) {

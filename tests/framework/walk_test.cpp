@@ -86,6 +86,31 @@ TEST_F(RemoteServerWalk, CurrentEntryCountsOnlyWhileOnTheHierarchy) {
     EXPECT_EQ(yfw_map_get_node_info(ctx, "/system", "x", nullptr), YFW_ERR_INVALID_ARGS);
 }
 
+// An entry named by its key alone is walked bare: its children wait on the
+// itree stack, and mappers below still ask for the key.
+TEST_F(RemoteServerWalk, NodeInfoFindsChildrenSetAsideOnTheItreeStack) {
+    const char *path = "/system/logging/remote-servers/remote-server";
+    ASSERT_EQ(yfw_map_update_current_list_node(ctx, path), YFW_SUCCESS);
+    yfw_map_util_itree_stack_push(ctx, entry->subtrees, entry->subtree_count, nullptr);
+    yfw_dt_clear_subtrees(entry);
+    tidl_yfw_datatree unrelated[1] = {};
+    yfw_map_util_itree_stack_push(ctx, unrelated, 1, nullptr);
+
+    char *value = nullptr;
+    EXPECT_EQ(yfw_map_get_node_info(ctx, path, "host", &value), YFW_SUCCESS);
+    EXPECT_STREQ(value, "h1");
+    value = nullptr;
+    EXPECT_EQ(yfw_map_get_node_info(ctx, "/system/logging/remote-servers/remote-server/config",
+                                    "remote-port", &value),
+              YFW_SUCCESS);
+    EXPECT_STREQ(value, "514");
+
+    yfw_map_util_itree_stack_pop(ctx);
+    yfw_map_util_itree_stack_pop(ctx);
+    EXPECT_EQ(yfw_map_get_node_info(ctx, path, "host", &value), YFW_SUCCESS);
+    EXPECT_EQ(value, nullptr);
+}
+
 TEST_F(RemoteServerWalk, PopBelowTheTopPopsDownToIt) {
     EXPECT_EQ(session.hierarchy_depth(), 4u);
     yfw_map_remove_from_node_hierarchy(ctx, logging);
