@@ -227,6 +227,53 @@ TEST(AddPath, OperationComesFromTheSourceOrItsAncestors) {
     EXPECT_FALSE(yfw_map_is_request_delete(hostname));
 }
 
+// Two adds onto one node: a null value leaves the value, and an add with a
+// source sets the operation the source carries, none included.
+TEST(AddPath, LaterAddsOntoAnExistingNode) {
+    constexpr int32_t kNoSource = -2, kNoOperation = -1;
+    struct Step {
+        const char *value;
+        int32_t source_op;
+    };
+    struct Case {
+        const char *path;
+        std::vector<Step> steps;
+        const char *expected;
+    };
+    const Case cases[] = {
+        {"/system/config/hostname",
+         {{"v", kNoSource}, {nullptr, OP_DELETE}},
+         "system{config{hostname=v!3}}"},
+        {"/system/config/hostname",
+         {{nullptr, OP_DELETE}, {"v", OP_MERGE}},
+         "system{config{hostname=v!0}}"},
+        {"/system/config/hostname",
+         {{nullptr, OP_DELETE}, {"v", kNoOperation}},
+         "system{config{hostname=v}}"},
+        {"/system/config/hostname",
+         {{"v", OP_DELETE}, {"w", kNoSource}},
+         "system{config{hostname=w!3}}"},
+        {"/system/dns/servers/server/address",
+         {{"a", OP_DELETE}, {nullptr, OP_MERGE}},
+         "system{dns{servers{server{address=a!0}}}}"},
+    };
+    for (const Case &c : cases) {
+        yfw::Session session(KIND_EDIT_A);
+        for (const Step &step : c.steps) {
+            tidl_yfw_datatree *source = nullptr;
+            if (step.source_op != kNoSource) {
+                source = fwtest::new_root(session.arena(), "input");
+                if (step.source_op != kNoOperation)
+                    yfw_dt_set_operation(source, step.source_op);
+            }
+            ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), c.path,
+                                                        kOc, step.value, source, nullptr, 0, 0),
+                      YFW_SUCCESS);
+        }
+        EXPECT_EQ(doc_text(*session.output()), c.expected) << c.path;
+    }
+}
+
 TEST(AddPath, NoSourceOperationWritesNone) {
     yfw::Session session(KIND_EDIT_A);
     tidl_yfw_datatree *plain = fwtest::new_root(session.arena(), "hostname");
