@@ -56,6 +56,8 @@ inline bool same_text(const char *a, const char *b) {
 std::vector<std::string_view> split_path(std::string_view path);
 // "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
 std::string normalize_path(std::string_view path);
+// A path of at least one element, each "name" or "prefix:name".
+bool well_formed_path(std::string_view path);
 
 // ---- Node arrays -----------------------------------------------------------
 

@@ -134,7 +134,7 @@ void yfw_map_remove_from_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatre
 
 cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
     yfw_map_session *session = session_of(ctx);
-    if (session == nullptr || path == nullptr)
+    if (session == nullptr || path == nullptr || !well_formed_path(path))
         return YFW_ERR_INVALID_ARGS;
     if (session->hierarchy.empty())
         return YFW_ERR_BAD_TREE;
@@ -149,7 +149,8 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
 cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char *key_name,
                              char **value_out) {
     yfw_map_session *session = session_of(ctx);
-    if (session == nullptr || list_path == nullptr || key_name == nullptr || value_out == nullptr)
+    if (session == nullptr || list_path == nullptr || key_name == nullptr || value_out == nullptr ||
+        !well_formed_path(list_path))
         return YFW_ERR_INVALID_ARGS;
     std::string path = normalize_path(list_path);
     const tidl_yfw_datatree *holder = nullptr;

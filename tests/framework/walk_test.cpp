@@ -111,6 +111,62 @@ TEST_F(RemoteServerWalk, NodeInfoFindsChildrenSetAsideOnTheItreeStack) {
     EXPECT_EQ(value, nullptr);
 }
 
+// Native walkers name their lists with module prefixes; mappers may ask with
+// or without them. The walk here starts below the module root, as an augment's
+// does, so only the recorded entry can answer.
+TEST(Walk, CurrentListPathsWithAndWithoutPrefixes) {
+    struct Case {
+        std::vector<std::string_view> walked; // from the augment down to the entry
+        const char *key;
+        const char *prefixed;
+        const char *plain;
+    };
+    const Case cases[] = {
+        {{"server-groups", "tacacs-server-groups", "tacacs-server-group"},
+         "server-group-name",
+         "/a1:aaa/a2:server-groups/tacacs-server-groups/tacacs-server-group",
+         "/aaa/server-groups/tacacs-server-groups/tacacs-server-group"},
+        {{"telnet-server", "ipv4", "vrf"},
+         "vrf-name",
+         "/oc-sys:system/oc-sys:telnet-server/ipv4/vrf",
+         "/system/telnet-server/ipv4/vrf"},
+    };
+    for (const Case &c : cases) {
+        for (const char *recorded : {c.prefixed, c.plain}) {
+            for (const char *asked : {c.prefixed, c.plain}) {
+                yfw::Session session(KIND_GET);
+                yfw::Arena &arena = session.arena();
+                tidl_yfw_datatree *node = fwtest::new_root(arena, c.walked.front());
+                yfw_map_add_to_node_hierarchy(session.ctx(), node, YFW_MAP_HIER_CONTAINER);
+                for (std::size_t i = 1; i < c.walked.size(); ++i) {
+                    node = add_node(arena, node, c.walked[i]);
+                    yfw_map_add_to_node_hierarchy(session.ctx(), node, YFW_MAP_HIER_CONTAINER);
+                }
+                add_node(arena, node, c.key, "k1");
+                ASSERT_EQ(yfw_map_update_current_list_node(session.ctx(), recorded), YFW_SUCCESS);
+                char *value = nullptr;
+                EXPECT_EQ(yfw_map_get_node_info(session.ctx(), asked, c.key, &value), YFW_SUCCESS);
+                EXPECT_STREQ(value, "k1") << recorded << " asked as " << asked;
+            }
+        }
+    }
+
+    // A prefix without a name, or a name with two prefixes, is refused.
+    yfw::Session session(KIND_GET);
+    tidl_yfw_datatree *vrf = fwtest::new_root(session.arena(), "vrf");
+    yfw_map_add_to_node_hierarchy(session.ctx(), vrf, YFW_MAP_HIER_LIST_ENTRY);
+    for (const char *bad : {"/oc-sys:/telnet-server/ipv4/vrf", "/system/:vrf", "/a:b:vrf", "/"}) {
+        EXPECT_EQ(yfw_map_update_current_list_node(session.ctx(), bad), YFW_ERR_INVALID_ARGS)
+            << bad;
+        char untouched[] = "untouched";
+        char *value = untouched;
+        EXPECT_EQ(yfw_map_get_node_info(session.ctx(), bad, "vrf-name", &value),
+                  YFW_ERR_INVALID_ARGS)
+            << bad;
+        EXPECT_EQ(value, untouched);
+    }
+}
+
 TEST_F(RemoteServerWalk, PopBelowTheTopPopsDownToIt) {
     EXPECT_EQ(session.hierarchy_depth(), 4u);
     yfw_map_remove_from_node_hierarchy(ctx, logging);
