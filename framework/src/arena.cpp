@@ -214,6 +214,24 @@ std::string normalize_path(std::string_view path) {
     return out;
 }
 
+bool well_formed_path(std::string_view path) {
+    bool any = false;
+    while (!path.empty()) {
+        const std::size_t slash = path.find('/');
+        const std::string_view element = path.substr(0, slash);
+        path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
+        if (element.empty())
+            continue;
+        const std::size_t colon = element.find(':');
+        if (colon != std::string_view::npos &&
+            (colon == 0 || colon + 1 == element.size() ||
+             element.find(':', colon + 1) != std::string_view::npos))
+            return false;
+        any = true;
+    }
+    return any;
+}
+
 } // namespace detail
 
 Arena::Impl::~Impl() {

@@ -225,6 +225,31 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
     return found;
 }
 
+uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                            std::span<const std::string_view> keys, const OpenEntry &open) {
+    EntryKeys wanted{{keys.begin(), keys.end()}, {}};
+    for (std::string_view key : keys) {
+        auto it = std::ranges::find(open.key_names, key);
+        if (it == open.key_names.end() ||
+            open.key_values[static_cast<std::size_t>(it - open.key_names.begin())] == nullptr)
+            break;
+        wanted.values.push_back(
+            open.key_values[static_cast<std::size_t>(it - open.key_names.begin())]);
+    }
+    ListState *list = list_state(parent, tag, keys);
+    // Another list than the input entry's, or its entry is current already.
+    if (wanted.values.size() != keys.size() || (list != nullptr && list->bound_to == open.serial))
+        return current_entry(parent, tag, keys, false);
+    uint32_t entry;
+    if (list != nullptr && list->current != kNone &&
+        !key_tuple(&parent->subtrees[list->current], keys))
+        entry = list->current; // formed by the list mapper, its key still to come
+    else
+        entry = entry_with_keys(parent, tag, wanted);
+    list_state(parent, tag, keys)->bound_to = open.serial;
+    return entry;
+}
+
 Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
                        std::string_view schema, std::span<const std::string_view> keys,
                        std::string_view key, const char *value) {
@@ -326,27 +351,47 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
 }
 
 Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
-                   const char *value, bool list_entry) {
+                   const char *value, bool list_entry, const OpenEntry *open) {
+    // The schema path of each prefix and its keys, looked up once.
     const bool by_schema = tree->tag == nullptr;
     std::string schema;
+    std::vector<std::size_t> ends(segments.size());
+    std::vector<std::span<const std::string_view>> keys_at(segments.size());
+    std::size_t innermost = kNoDepth;
+    for (std::size_t i = 0; i < segments.size(); ++i) {
+        schema.append("/").append(segments[i]);
+        ends[i] = schema.size();
+        if (by_schema && !(keys_at[i] = list_keys(schema)).empty())
+            innermost = i;
+    }
+    auto is_key_of = [&](std::size_t list, std::string_view segment) {
+        return std::ranges::find(keys_at[list], segment) != keys_at[list].end();
+    };
+
     Placed at{tree, nullptr};
     for (std::size_t i = 0; i < segments.size(); ++i) {
         const std::string_view segment = segments[i];
         const bool last = i + 1 == segments.size();
-        const std::size_t parent_length = schema.size();
-        schema.append("/").append(segment);
-        if (by_schema) {
-            if (auto keys = list_keys(schema); !keys.empty()) {
-                const uint32_t entry = current_entry(at.node, segment, keys, last && list_entry);
-                at = {&at.node->subtrees[entry], at.node};
-                continue;
+        if (const auto keys = keys_at[i]; !keys.empty()) {
+            // An add that sets this list's key picks the entry by that value.
+            const bool sets_key =
+                i + 2 == segments.size() && value != nullptr && is_key_of(i, segments[i + 1]);
+            uint32_t entry;
+            if (open != nullptr && i == innermost && !(last && list_entry) && !sets_key) {
+                entry = open_entry(at.node, segment, keys, *open);
+            } else {
+                entry = current_entry(at.node, segment, keys, last && list_entry);
+                if (open != nullptr && i == innermost && sets_key)
+                    list_state(at.node, segment, keys)->bound_to = open->serial;
             }
-            const std::string_view entry_schema = std::string_view(schema).substr(0, parent_length);
-            if (auto keys = list_keys(entry_schema);
-                last && at.parent != nullptr && std::ranges::find(keys, segment) != keys.end()) {
-                return set_key(at.parent, position(at.parent, at.node), segments[i - 1],
-                               entry_schema, keys, segment, value);
-            }
+            at = {&at.node->subtrees[entry], at.node};
+            continue;
+        }
+        if (last && i > 0 && at.parent != nullptr && !keys_at[i - 1].empty() &&
+            is_key_of(i - 1, segment)) {
+            return set_key(at.parent, position(at.parent, at.node), segments[i - 1],
+                           std::string_view(schema).substr(0, ends[i - 1]), keys_at[i - 1], segment,
+                           value);
         }
         tidl_yfw_datatree *next = nullptr;
         if (last && list_entry && value != nullptr) {

@@ -26,9 +26,10 @@ public:
 
     // The add of yfw_map_datatree_add_path_flagged. A tree without a tag is a
     // document root and resolves lists by the schema; any other node takes
-    // the segments as plain children.
+    // the segments as plain children. `open`, when given, is the innermost
+    // open output list: the path's innermost list goes to its entry.
     Placed add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
-               const char *value, bool list_entry);
+               const char *value, bool list_entry, const OpenEntry *open = nullptr);
 
     // The node at the path, creating nothing; null when missing.
     tidl_yfw_datatree *find(tidl_yfw_datatree *tree, std::span<const std::string_view> segments);
@@ -59,6 +60,8 @@ private:
                            std::span<const std::string_view> keys, bool fresh);
     uint32_t entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
                              const EntryKeys &wanted);
+    uint32_t open_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                        std::span<const std::string_view> keys, const OpenEntry &open);
     Placed set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
                    std::string_view schema, std::span<const std::string_view> keys,
                    std::string_view key, const char *value);

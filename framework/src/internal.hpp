@@ -56,6 +56,8 @@ inline bool same_text(const char *a, const char *b) {
 std::vector<std::string_view> split_path(std::string_view path);
 // "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
 std::string normalize_path(std::string_view path);
+// A path of at least one element, each "name" or "prefix:name".
+bool well_formed_path(std::string_view path);
 
 // ---- Node arrays -----------------------------------------------------------
 
@@ -63,6 +65,17 @@ std::string normalize_path(std::string_view path);
 struct ListState {
     uint32_t current = kNone;
     TextMap<uint32_t> by_key;
+    // The open output list whose entry was last made current here, 0 for none.
+    uint64_t bound_to = 0;
+};
+
+// An input list entry that a native walker has opened an output list for: its
+// key leaves by name. Adds below an output list with the same key names go to
+// the entry with these values.
+struct OpenEntry {
+    uint64_t serial = 0;
+    std::vector<std::string_view> key_names;
+    std::vector<const char *> key_values;
 };
 
 // Lookup state of the children of one array, kept as positions by the
@@ -147,6 +160,7 @@ struct HierarchyFrame {
 
 struct OutputListFrame {
     const tidl_yfw_datatree *entry;
+    yfw::detail::OpenEntry keys;
 };
 
 struct yfw_map_session {
@@ -171,6 +185,8 @@ struct yfw_map_session {
     yfw::detail::TextMap<CurrentRecord> current_lists;
 
     std::deque<yfw_map_itree_entry> itree;
+    // The node whose children each itree entry holds, null when none does.
+    std::vector<const tidl_yfw_datatree *> itree_owners;
     std::vector<OutputListFrame> output_lists;
     std::string error_path;
 

@@ -32,8 +32,14 @@ std::optional<std::vector<std::string_view>> join_components(const char *const *
 
 void note_add(yfw_map_session &session, tidl_yfw_datatree *tree, const Placed &at,
               const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out) {
-    if (const int32_t op = yfw::effective_operation(source); source != nullptr && op >= 0)
+    // The later of two adds with a source sets the operation, also when its
+    // source has none: the node then ends as that add alone would leave it.
+    if (const int32_t op = yfw::effective_operation(source); source != nullptr && op >= 0) {
         yfw_dt_set_operation(at.node, op);
+    } else if (source != nullptr) {
+        at.node->operation = 0;
+        at.node->present_operation = 0;
+    }
     if (new_node_out != nullptr)
         *new_node_out = at.node;
     if (tree->tag == nullptr)
@@ -47,7 +53,10 @@ cerrno add_segments(yfw_map_session &session, tidl_yfw_datatree *tree,
                     const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out,
                     bool list_entry) {
     Editor editor(*session.home, ns);
-    note_add(session, tree, editor.add(tree, segments, value, list_entry), source, new_node_out);
+    const OpenEntry *open =
+        session.output_lists.empty() ? nullptr : &session.output_lists.back().keys;
+    note_add(session, tree, editor.add(tree, segments, value, list_entry, open), source,
+             new_node_out);
     return YFW_SUCCESS;
 }
 

@@ -34,6 +34,41 @@ const tidl_yfw_datatree *walk_node(const yfw_map_session &session, const std::st
     return frames[segments.size() - 1].node;
 }
 
+// The children of a node of the walk, also while a walker has set them aside
+// on the itree stack (an entry named by its keys alone is walked bare).
+std::span<const tidl_yfw_datatree> walk_children(const yfw_map_session &session,
+                                                 const tidl_yfw_datatree *node) {
+    if (auto kids = children(node); !kids.empty() || node == nullptr)
+        return kids;
+    for (std::size_t i = session.itree.size(); i-- > 0;)
+        if (session.itree_owners[i] == node && session.itree[i].nodes != nullptr)
+            return {session.itree[i].nodes, session.itree[i].count};
+    return {};
+}
+
+const tidl_yfw_datatree *walk_child(const yfw_map_session &session, const tidl_yfw_datatree *node,
+                                    std::string_view tag) {
+    auto kids = walk_children(session, node);
+    auto it = std::ranges::find_if(
+        kids, [tag](const tidl_yfw_datatree &kid) { return kid.tag != nullptr && tag == kid.tag; });
+    return it == kids.end() ? nullptr : &*it;
+}
+
+// The node whose children array starts at `nodes`: the array's holder in an
+// arena, else a node of the walk that holds it.
+const tidl_yfw_datatree *holder_of(const yfw_map_session &session, const tidl_yfw_datatree *nodes) {
+    if (nodes == nullptr)
+        return nullptr;
+    if (const Block *block = block_starting_at(nodes))
+        return block->parent;
+    for (std::size_t i = session.hierarchy.size(); i-- > 0;) {
+        const tidl_yfw_datatree *node = session.hierarchy[i].node;
+        if (node->present_subtrees && node->subtrees == nodes)
+            return node;
+    }
+    return nullptr;
+}
+
 // The child that carries the entry's key: one marked as key, else the first schema key.
 const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yfw_datatree *entry) {
     auto kids = children(entry);
@@ -46,6 +81,27 @@ const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yf
         return nullptr;
     auto keys = yfw::list_keys(session.hierarchy_path(depth));
     return keys.empty() ? nullptr : child_with_tag(entry, keys.front());
+}
+
+// The keys of an input entry by name: the children the walker marked as keys,
+// wherever they stand among the others, else the schema's keys of its list.
+OpenEntry open_entry(yfw_map_session &session, const tidl_yfw_datatree *entry) {
+    OpenEntry open{session.next_serial++, {}, {}};
+    for (const tidl_yfw_datatree &child : children(entry)) {
+        if (child.present_is_key && child.is_key && child.tag != nullptr) {
+            open.key_names.emplace_back(child.tag);
+            open.key_values.push_back(child.value);
+        }
+    }
+    if (const std::size_t depth = session.depth_of(entry);
+        open.key_names.empty() && depth != kNoDepth) {
+        for (std::string_view key : yfw::list_keys(session.hierarchy_path(depth))) {
+            const tidl_yfw_datatree *leaf = child_with_tag(entry, key);
+            open.key_names.push_back(key);
+            open.key_values.push_back(leaf != nullptr ? leaf->value : nullptr);
+        }
+    }
+    return open;
 }
 
 void close_output_list(yfw_map_ctx &ctx, yfw_map_session &session) {
@@ -78,7 +134,7 @@ void yfw_map_remove_from_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatre
 
 cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
     yfw_map_session *session = session_of(ctx);
-    if (session == nullptr || path == nullptr)
+    if (session == nullptr || path == nullptr || !well_formed_path(path))
         return YFW_ERR_INVALID_ARGS;
     if (session->hierarchy.empty())
         return YFW_ERR_BAD_TREE;
@@ -93,20 +149,21 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
 cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char *key_name,
                              char **value_out) {
     yfw_map_session *session = session_of(ctx);
-    if (session == nullptr || list_path == nullptr || key_name == nullptr || value_out == nullptr)
+    if (session == nullptr || list_path == nullptr || key_name == nullptr || value_out == nullptr ||
+        !well_formed_path(list_path))
         return YFW_ERR_INVALID_ARGS;
     std::string path = normalize_path(list_path);
     const tidl_yfw_datatree *holder = nullptr;
     if (path.ends_with("/config")) {
         // A key mirrored in the entry's config container.
         if (const tidl_yfw_datatree *entry = walk_node(*session, path.substr(0, path.size() - 7)))
-            holder = child_with_tag(entry, "config");
+            holder = walk_child(*session, entry, "config");
         else if ((holder = walk_node(*session, path)) == nullptr)
             return YFW_ERR_BAD_TREE;
     } else if ((holder = walk_node(*session, path)) == nullptr) {
         return YFW_ERR_BAD_TREE;
     }
-    const tidl_yfw_datatree *leaf = child_with_tag(holder, key_name);
+    const tidl_yfw_datatree *leaf = walk_child(*session, holder, key_name);
     *value_out = leaf != nullptr ? leaf->value : nullptr;
     return YFW_SUCCESS;
 }
@@ -143,7 +200,7 @@ void yfw_add_to_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input
     context.output_list_key[context.list_index++] = key->value != nullptr ? key->value : no_value;
     if (context.state != nullptr)
         ++context.state->output_list_count;
-    session->output_lists.push_back({input_node});
+    session->output_lists.push_back({input_node, open_entry(*session, input_node)});
 }
 
 void yfw_remove_from_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
@@ -202,8 +259,10 @@ uint32_t yfw_map_util_itree_stack_size(yfw_map_ctx *ctx) {
 
 void yfw_map_util_itree_stack_push(yfw_map_ctx *ctx, tidl_yfw_datatree *nodes, uint32_t count,
                                    yfw_map_itree_cb callback) {
-    if (yfw_map_session *session = session_of(ctx))
+    if (yfw_map_session *session = session_of(ctx)) {
+        session->itree_owners.push_back(holder_of(*session, nodes));
         session->itree.push_back({nodes, count, callback});
+    }
 }
 
 void yfw_map_util_itree_stack_peak(yfw_map_ctx *ctx, yfw_map_itree_entry **entry_out) {
@@ -215,8 +274,10 @@ void yfw_map_util_itree_stack_peak(yfw_map_ctx *ctx, yfw_map_itree_entry **entry
 
 void yfw_map_util_itree_stack_pop(yfw_map_ctx *ctx) {
     yfw_map_session *session = session_of(ctx);
-    if (session != nullptr && !session->itree.empty())
+    if (session != nullptr && !session->itree.empty()) {
         session->itree.pop_back();
+        session->itree_owners.pop_back();
+    }
 }
 
 void yfw_oc_error_path(yfw_map_ctx *ctx) {

@@ -127,6 +127,81 @@ const AddCase kAddCases[] = {
 INSTANTIATE_TEST_SUITE_P(Framework, AddSequence, testing::ValuesIn(kAddCases),
                          [](const auto &info) { return std::string(info.param.name); });
 
+// A native walker opens an output list for an input entry whose key child
+// stands anywhere among its children; adds below an output list with the same
+// key names then go to the entry under that key.
+struct OpenListCase {
+    const char *name;
+    const char *key_tag; // of the input entry
+    const char *key_value;
+    std::vector<Add> before_open; // what the list mapper adds
+    std::vector<Add> adds;
+    const char *expected;
+};
+
+class OpenOutputList : public testing::TestWithParam<OpenListCase> {};
+
+TEST_P(OpenOutputList, PlacesKeylessAdds) {
+    const OpenListCase &c = GetParam();
+    yfw::Session session(KIND_GET);
+    yfw_map_ctx *ctx = session.ctx();
+    tidl_yfw_datatree *out = session.output();
+    auto run = [&](const std::vector<Add> &adds) {
+        for (const Add &add : adds)
+            ASSERT_EQ(yfw_map_datatree_add_path_flagged(ctx, out, add.path, kOc, add.value, nullptr,
+                                                        nullptr, add.list_entry, 0),
+                      YFW_SUCCESS)
+                << add.path;
+    };
+    run({{"/system/alarms/alarm/id", "a1"}, {"/system/alarms/alarm/state/severity", "MAJOR"}});
+    tidl_yfw_datatree *entry = fwtest::new_root(session.arena(), "alarm");
+    add_node(session.arena(), add_node(session.arena(), entry, "state"), "severity", "MINOR");
+    yfw_dt_set_is_key(add_node(session.arena(), entry, c.key_tag, c.key_value));
+
+    run(c.before_open);
+    yfw_add_to_output_list_ctx(ctx, entry, out);
+    ASSERT_EQ(session.output_lists_open(), 1u);
+    run(c.adds);
+    yfw_remove_from_output_list_ctx(ctx, entry, out);
+    EXPECT_EQ(doc_text(*out), c.expected);
+}
+
+const OpenListCase kOpenListCases[] = {
+    {"KeyAfterTheOtherLeaves",
+     "id",
+     "a2",
+     {},
+     {{"/system/alarms/alarm/state/severity", "MINOR"}, {"/system/alarms/alarm/id", "a2"}},
+     "system{alarms{alarm{id=a1 state{severity=MAJOR}} alarm{id=a2 state{severity=MINOR}}}}"},
+    {"KeyOfAnEarlierEntry",
+     "id",
+     "a1",
+     {},
+     {{"/system/alarms/alarm/state/severity", "MINOR"}, {"/system/alarms/alarm/id", "a1"}},
+     "system{alarms{alarm{id=a1 state{severity=MINOR}}}}"},
+    {"KeyAddFirstDecidesEvenWithAnotherValue",
+     "id",
+     "a2",
+     {},
+     {{"/system/alarms/alarm/id", "A2"}, {"/system/alarms/alarm/state/severity", "MINOR"}},
+     "system{alarms{alarm{id=a1 state{severity=MAJOR}} alarm{id=A2 state{severity=MINOR}}}}"},
+    {"EntryFormedBeforeWaitsForItsKey",
+     "id",
+     "a2",
+     {{"/system/alarms/alarm", nullptr, 1}},
+     {{"/system/alarms/alarm/state/severity", "MINOR"}, {"/system/alarms/alarm/id", "A2"}},
+     "system{alarms{alarm{id=a1 state{severity=MAJOR}} alarm{state{severity=MINOR} id=A2}}}"},
+    {"OtherKeyNamesLeaveTheCurrentEntry",
+     "name",
+     "a2",
+     {},
+     {{"/system/alarms/alarm/state/severity", "MINOR"}},
+     "system{alarms{alarm{id=a1 state{severity=MINOR}}}}"},
+};
+
+INSTANTIATE_TEST_SUITE_P(Framework, OpenOutputList, testing::ValuesIn(kOpenListCases),
+                         [](const auto &info) { return std::string(info.param.name); });
+
 TEST(AddPath, OperationComesFromTheSourceOrItsAncestors) {
     yfw::Session session(KIND_EDIT_A);
     yfw::Arena &arena = session.arena();
@@ -150,6 +225,53 @@ TEST(AddPath, OperationComesFromTheSourceOrItsAncestors) {
                                       "h", hostname, nullptr, 0, 0);
     EXPECT_EQ(doc_text(*session.output()), "host-names{host-name=h!0}");
     EXPECT_FALSE(yfw_map_is_request_delete(hostname));
+}
+
+// Two adds onto one node: a null value leaves the value, and an add with a
+// source sets the operation the source carries, none included.
+TEST(AddPath, LaterAddsOntoAnExistingNode) {
+    constexpr int32_t kNoSource = -2, kNoOperation = -1;
+    struct Step {
+        const char *value;
+        int32_t source_op;
+    };
+    struct Case {
+        const char *path;
+        std::vector<Step> steps;
+        const char *expected;
+    };
+    const Case cases[] = {
+        {"/system/config/hostname",
+         {{"v", kNoSource}, {nullptr, OP_DELETE}},
+         "system{config{hostname=v!3}}"},
+        {"/system/config/hostname",
+         {{nullptr, OP_DELETE}, {"v", OP_MERGE}},
+         "system{config{hostname=v!0}}"},
+        {"/system/config/hostname",
+         {{nullptr, OP_DELETE}, {"v", kNoOperation}},
+         "system{config{hostname=v}}"},
+        {"/system/config/hostname",
+         {{"v", OP_DELETE}, {"w", kNoSource}},
+         "system{config{hostname=w!3}}"},
+        {"/system/dns/servers/server/address",
+         {{"a", OP_DELETE}, {nullptr, OP_MERGE}},
+         "system{dns{servers{server{address=a!0}}}}"},
+    };
+    for (const Case &c : cases) {
+        yfw::Session session(KIND_EDIT_A);
+        for (const Step &step : c.steps) {
+            tidl_yfw_datatree *source = nullptr;
+            if (step.source_op != kNoSource) {
+                source = fwtest::new_root(session.arena(), "input");
+                if (step.source_op != kNoOperation)
+                    yfw_dt_set_operation(source, step.source_op);
+            }
+            ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), c.path,
+                                                        kOc, step.value, source, nullptr, 0, 0),
+                      YFW_SUCCESS);
+        }
+        EXPECT_EQ(doc_text(*session.output()), c.expected) << c.path;
+    }
 }
 
 TEST(AddPath, NoSourceOperationWritesNone) {

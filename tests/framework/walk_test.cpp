@@ -86,6 +86,87 @@ TEST_F(RemoteServerWalk, CurrentEntryCountsOnlyWhileOnTheHierarchy) {
     EXPECT_EQ(yfw_map_get_node_info(ctx, "/system", "x", nullptr), YFW_ERR_INVALID_ARGS);
 }
 
+// An entry named by its key alone is walked bare: its children wait on the
+// itree stack, and mappers below still ask for the key.
+TEST_F(RemoteServerWalk, NodeInfoFindsChildrenSetAsideOnTheItreeStack) {
+    const char *path = "/system/logging/remote-servers/remote-server";
+    ASSERT_EQ(yfw_map_update_current_list_node(ctx, path), YFW_SUCCESS);
+    yfw_map_util_itree_stack_push(ctx, entry->subtrees, entry->subtree_count, nullptr);
+    yfw_dt_clear_subtrees(entry);
+    tidl_yfw_datatree unrelated[1] = {};
+    yfw_map_util_itree_stack_push(ctx, unrelated, 1, nullptr);
+
+    char *value = nullptr;
+    EXPECT_EQ(yfw_map_get_node_info(ctx, path, "host", &value), YFW_SUCCESS);
+    EXPECT_STREQ(value, "h1");
+    value = nullptr;
+    EXPECT_EQ(yfw_map_get_node_info(ctx, "/system/logging/remote-servers/remote-server/config",
+                                    "remote-port", &value),
+              YFW_SUCCESS);
+    EXPECT_STREQ(value, "514");
+
+    yfw_map_util_itree_stack_pop(ctx);
+    yfw_map_util_itree_stack_pop(ctx);
+    EXPECT_EQ(yfw_map_get_node_info(ctx, path, "host", &value), YFW_SUCCESS);
+    EXPECT_EQ(value, nullptr);
+}
+
+// Native walkers name their lists with module prefixes; mappers may ask with
+// or without them. The walk here starts below the module root, as an augment's
+// does, so only the recorded entry can answer.
+TEST(Walk, CurrentListPathsWithAndWithoutPrefixes) {
+    struct Case {
+        std::vector<std::string_view> walked; // from the augment down to the entry
+        const char *key;
+        const char *prefixed;
+        const char *plain;
+    };
+    const Case cases[] = {
+        {{"server-groups", "tacacs-server-groups", "tacacs-server-group"},
+         "server-group-name",
+         "/a1:aaa/a2:server-groups/tacacs-server-groups/tacacs-server-group",
+         "/aaa/server-groups/tacacs-server-groups/tacacs-server-group"},
+        {{"telnet-server", "ipv4", "vrf"},
+         "vrf-name",
+         "/oc-sys:system/oc-sys:telnet-server/ipv4/vrf",
+         "/system/telnet-server/ipv4/vrf"},
+    };
+    for (const Case &c : cases) {
+        for (const char *recorded : {c.prefixed, c.plain}) {
+            for (const char *asked : {c.prefixed, c.plain}) {
+                yfw::Session session(KIND_GET);
+                yfw::Arena &arena = session.arena();
+                tidl_yfw_datatree *node = fwtest::new_root(arena, c.walked.front());
+                yfw_map_add_to_node_hierarchy(session.ctx(), node, YFW_MAP_HIER_CONTAINER);
+                for (std::size_t i = 1; i < c.walked.size(); ++i) {
+                    node = add_node(arena, node, c.walked[i]);
+                    yfw_map_add_to_node_hierarchy(session.ctx(), node, YFW_MAP_HIER_CONTAINER);
+                }
+                add_node(arena, node, c.key, "k1");
+                ASSERT_EQ(yfw_map_update_current_list_node(session.ctx(), recorded), YFW_SUCCESS);
+                char *value = nullptr;
+                EXPECT_EQ(yfw_map_get_node_info(session.ctx(), asked, c.key, &value), YFW_SUCCESS);
+                EXPECT_STREQ(value, "k1") << recorded << " asked as " << asked;
+            }
+        }
+    }
+
+    // A prefix without a name, or a name with two prefixes, is refused.
+    yfw::Session session(KIND_GET);
+    tidl_yfw_datatree *vrf = fwtest::new_root(session.arena(), "vrf");
+    yfw_map_add_to_node_hierarchy(session.ctx(), vrf, YFW_MAP_HIER_LIST_ENTRY);
+    for (const char *bad : {"/oc-sys:/telnet-server/ipv4/vrf", "/system/:vrf", "/a:b:vrf", "/"}) {
+        EXPECT_EQ(yfw_map_update_current_list_node(session.ctx(), bad), YFW_ERR_INVALID_ARGS)
+            << bad;
+        char untouched[] = "untouched";
+        char *value = untouched;
+        EXPECT_EQ(yfw_map_get_node_info(session.ctx(), bad, "vrf-name", &value),
+                  YFW_ERR_INVALID_ARGS)
+            << bad;
+        EXPECT_EQ(value, untouched);
+    }
+}
+
 TEST_F(RemoteServerWalk, PopBelowTheTopPopsDownToIt) {
     EXPECT_EQ(session.hierarchy_depth(), 4u);
     yfw_map_remove_from_node_hierarchy(ctx, logging);

@@ -32,6 +32,27 @@ TEST(Alarms, NativeAlarmComesBackLeafForLeaf) {
     r.expect_state_restored();
 }
 
+// The output entry is opened under the input entry's key, so leaves that
+// come before the key land in their own alarm and not in the one before.
+TEST(Alarms, KeyAfterTheStateStillOwnsTheLeaves) {
+    Request r(KIND_GET);
+    ASSERT_EQ(
+        r.run(kAlarmOper,
+              test::native("Tarvex-QV-PRIVATE-alarm-mgr-oc-oper", "amfm-edt",
+                           "<system><alarms>"
+                           "<alarm><id>a1</id><state><severity>MAJOR</severity></state></alarm>"
+                           "<alarm><state><severity>MINOR</severity></state><id>a2</id></alarm>"
+                           "</alarms></system>")),
+        YFW_SUCCESS);
+    const std::string a1 = "/openconfig-system:system/alarms/alarm[id='a1']";
+    const std::string a2 = "/openconfig-system:system/alarms/alarm[id='a2']";
+    EXPECT_EQ(r.paths(), "/openconfig-system:system\n/openconfig-system:system/alarms\n" + a1 +
+                             "\n" + a1 + "/id = \"a1\"\n" + a1 + "/state\n" + a1 +
+                             "/state/severity = \"MAJOR\"\n" + a2 + "\n" + a2 + "/id = \"a2\"\n" +
+                             a2 + "/state\n" + a2 + "/state/severity = \"MINOR\"\n");
+    r.expect_state_restored();
+}
+
 TEST(Alarms, NativeTreeOutsideGetGivesNothing) {
     Request r(KIND_GET_CONFIG);
     ASSERT_EQ(r.run(kAlarmOper, kAnswer), YFW_SUCCESS);

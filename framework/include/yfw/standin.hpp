@@ -34,6 +34,25 @@ const Module *module_by_namespace(std::string_view ns);
 // "a1:" are ignored). Empty for a path that is not a list.
 std::span<const std::string_view> list_keys(std::string_view schema_path);
 
+// ---- Path adds ------------------------------------------------------------
+//
+// How yfw_map_datatree_add_path_flagged (and the adds built on it) treat an
+// output tree:
+//  - A list segment goes to the list's current entry. A flagged add of the
+//    entry itself starts a new entry when the current one has all its keys;
+//    an add of a key with a value picks the entry with that key, and an entry
+//    whose keys come to equal an earlier one's merges into it.
+//  - While a native list walker has an output list open for an input entry,
+//    the innermost list of an add goes to the entry under that input entry's
+//    keys, when the list has keys of the same names: the entry formed for it
+//    and still without keys, else the one with those keys, found or made. So
+//    the leaves of an entry whose key comes last still land in it. An add
+//    that sets the key itself decides instead.
+//  - On an existing node, an add with a null value leaves the value alone.
+//  - Of two adds with a source node that meet on one node, the later sets the
+//    operation: the source's own or inherited one, or none when it has none.
+//    An add without a source leaves the operation alone.
+
 // ---- Trees ---------------------------------------------------------------
 
 // Owns node arrays and texts. Every array it hands out can grow, and it knows
