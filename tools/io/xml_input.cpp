@@ -62,12 +62,13 @@ void keep_quiet(void *, xmlError *) {}
     throw ParseError("XML line " + std::to_string(xmlGetLineNo(at)) + ": " + std::string(what));
 }
 
-// An OpenConfig root may be a request; any other root is a device's answer,
-// whose empty elements are empty leaves, never selections.
-bool is_openconfig_root(const xmlNode *element) {
+// A root of a native module is always a device's answer, whose empty elements
+// are empty leaves, never selections. OpenConfig roots, and roots of modules
+// the framework does not know (test modules), may be requests.
+bool is_native_root(const xmlNode *element) {
     const yfw::Module *m =
         element->ns != nullptr ? yfw::module_by_namespace(view(element->ns->href)) : nullptr;
-    return m != nullptr && m->name.starts_with("openconfig-");
+    return m != nullptr && !m->name.starts_with("openconfig-");
 }
 
 class TreeBuilder {
@@ -193,7 +194,7 @@ std::vector<tidl_yfw_datatree *> parse_xml(yfw::Arena &arena, std::string_view t
     roots.reserve(elements.size());
     for (const xmlNode *element : elements) {
         roots.push_back(arena.new_root());
-        builder.fill(*roots.back(), element, 1, read_kind && is_openconfig_root(element));
+        builder.fill(*roots.back(), element, 1, read_kind && !is_native_root(element));
     }
     return roots;
 }
