@@ -33,7 +33,7 @@ build() {
 case "${1:-}" in
 example)
     install_missing
-    build build
+    build build -DOCSYSMAP_WERROR=ON
     while read -r kind file; do
         echo "== ocsysmap map --kind $kind $file"
         build/tools/ocsysmap map --kind "$kind" "examples/$file"
@@ -41,9 +41,9 @@ example)
     ;;
 test)
     install_missing
-    build build
+    build build -DOCSYSMAP_WERROR=ON
     ctest --test-dir build --output-on-failure -j"$(nproc)"
-    build build-asan -DOCSYSMAP_SANITIZE=ON -DOCSYSMAP_BENCH=OFF
+    build build-asan -DOCSYSMAP_WERROR=ON -DOCSYSMAP_SANITIZE=ON -DOCSYSMAP_BENCH=OFF
     ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
         ctest --test-dir build-asan --output-on-failure -j"$(nproc)"
     ;;

@@ -15,6 +15,7 @@
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "io/io_detail.hpp"
@@ -25,9 +26,12 @@ namespace ocsysmap {
 namespace {
 
 constexpr std::string_view kUsage =
-    "usage: ocsysmap map --kind KIND [--oper-only] [--format paths|xml|json] [--trace] FILE\n"
+    "usage: ocsysmap map --kind KIND [--oper-only] [--format paths|xml|json] [--trace]\n"
+    "                    [--sysdb PATH=VALUE]... FILE\n"
     "       ocsysmap modules\n"
-    "KIND is get-config, get, edit-a, edit-b, edit-c or a number; FILE - reads standard input.\n";
+    "KIND is get-config, get, edit-a, edit-b, edit-c or a number; FILE - reads standard input.\n"
+    "--sysdb sets a system database item by its full path (PATH= sets it empty) and makes\n"
+    "the database present; without --sysdb this host has no system database.\n";
 
 // Exit 2 with the usage text.
 struct UsageError : std::runtime_error {
@@ -79,6 +83,7 @@ struct MapOptions {
     bool oper_only = false;
     const Format *format = &kFormats[0];
     bool trace = false;
+    std::vector<std::pair<std::string_view, std::string_view>> sysdb_items;
     std::optional<std::string_view> file;
 };
 
@@ -104,6 +109,31 @@ const Format *format_from(std::string_view word) {
     throw UsageError("unknown format \"" + std::string(word) + "\"");
 }
 
+std::pair<std::string_view, std::string_view> sysdb_item_from(std::string_view word) {
+    const auto equals_sign = word.find('=');
+    if (equals_sign == std::string_view::npos || !word.starts_with('/')) {
+        throw UsageError("--sysdb takes PATH=VALUE with a full item path, not \"" +
+                         std::string(word) + "\"");
+    }
+    return {word.substr(0, equals_sign), word.substr(equals_sign + 1)};
+}
+
+// The stand-in database holds the command's items while it runs, and is
+// absent, as on a host without one, when none is given.
+class SysdbScope {
+public:
+    explicit SysdbScope(const MapOptions &options) {
+        yfw::sysdb::clear();
+        for (const auto &[path, value] : options.sysdb_items) {
+            yfw::sysdb::set_item(path, value);
+        }
+        yfw::sysdb::set_present(!options.sysdb_items.empty());
+    }
+    ~SysdbScope() { yfw::sysdb::clear(); }
+    SysdbScope(const SysdbScope &) = delete;
+    SysdbScope &operator=(const SysdbScope &) = delete;
+};
+
 MapOptions parse_map_options(std::span<const std::string_view> args) {
     MapOptions o;
     for (std::size_t i = 0; i < args.size(); ++i) {
@@ -122,6 +152,8 @@ MapOptions parse_map_options(std::span<const std::string_view> args) {
             o.oper_only = true;
         } else if (arg == "--trace") {
             o.trace = true;
+        } else if (arg == "--sysdb") {
+            o.sysdb_items.push_back(sysdb_item_from(operand()));
         } else if (arg.size() > 1 && arg.front() == '-') {
             throw UsageError("unknown option " + std::string(arg));
         } else if (o.file) {
@@ -250,6 +282,7 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
 
     session.set_debug_log(options.trace);
     session.set_ring_trace(options.trace);
+    const SysdbScope sysdb(options);
     cerrno status = YFW_SUCCESS;
     for (std::size_t i = 0; i < roots.size() && status == YFW_SUCCESS; ++i) {
         session.note_input(roots[i]);

@@ -1,8 +1,11 @@
-// Platform services: an in-memory system database and the address functions.
+// Platform services: an in-memory system database, the probe that tells
+// whether the database exists on this host, and the address functions.
 #include <arpa/inet.h>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <netdb.h>
+#include <unistd.h>
 
 #include "internal.hpp"
 #include "qv_platform.h"
@@ -13,9 +16,13 @@ struct sysdb_connection {
 
 namespace {
 
+// The file whose readability tells a device that it has a system database.
+constexpr std::string_view kSysdbLibrary = "/pkg/lib/libsysdb.so";
+
 struct SysdbStore {
     std::map<std::string, std::string, std::less<>> items;
     bool bind_fails = false;
+    bool present = false;
 };
 
 SysdbStore &store() {
@@ -26,19 +33,24 @@ SysdbStore &store() {
 } // namespace
 
 namespace yfw::sysdb {
-void set_item(std::string_view key, std::string_view value) {
-    store().items.insert_or_assign(std::string(key), std::string(value));
+void set_item(std::string_view path, std::string_view value) {
+    store().items.insert_or_assign(std::string(path), std::string(value));
 }
-void erase_item(std::string_view key) {
-    if (auto it = store().items.find(key); it != store().items.end())
+void erase_item(std::string_view path) {
+    if (auto it = store().items.find(path); it != store().items.end())
         store().items.erase(it);
 }
 void clear() {
-    store().items.clear();
-    store().bind_fails = false;
+    store() = SysdbStore{};
 }
 void set_bind_fails(bool fails) {
     store().bind_fails = fails;
+}
+void set_present(bool present) {
+    store().present = present;
+}
+bool present() {
+    return store().present;
 }
 } // namespace yfw::sysdb
 
@@ -48,7 +60,9 @@ int _sysdb_bind(sysdb_connection **connection, const char *bind_point, uint32_t 
     (void)flags;
     if (connection == nullptr || bind_point == nullptr)
         return EINVAL;
-    if (store().bind_fails)
+    // An absent database refuses binds too: a caller that found the file once
+    // and does not look again still sees no database.
+    if (store().bind_fails || !store().present)
         return ECONNREFUSED;
     *connection = new sysdb_connection{bind_point};
     return 0;
@@ -77,7 +91,22 @@ int _sysdb_unbind(sysdb_connection *connection) {
     return 0;
 }
 
+// The device's library answers from the presence switch; every other path is
+// the host's own. The library probes with access() exactly as on a device, so
+// this definition takes the place of the C library's for the whole process.
+int access(const char *path, int mode) noexcept {
+    if (path == kSysdbLibrary) {
+        if (store().present)
+            return 0;
+        errno = ENOENT;
+        return -1;
+    }
+    return faccessat(AT_FDCWD, path, mode, 0);
+}
+
 int qv_inet_pton(int family, const char *text, void *out) {
+    if (text == nullptr)
+        return 0;
     return inet_pton(family, text, out);
 }
 

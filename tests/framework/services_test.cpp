@@ -1,8 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <arpa/inet.h>
 #include <cerrno>
 #include <cstdlib>
 #include <string>
+#include <unistd.h>
+#include <utility>
 
 #include "qv_platform.h"
 #include "tree_text.hpp"
@@ -80,39 +83,71 @@ TEST(SafeStrings, CompareWithinALimit) {
 }
 
 struct Sysdb : testing::Test {
-    void SetUp() override { yfw::sysdb::clear(); }
+    void SetUp() override {
+        yfw::sysdb::clear();
+        yfw::sysdb::set_present(true);
+    }
     void TearDown() override { yfw::sysdb::clear(); }
+
+    // The status of a read, and the value it returned (freed here).
+    static std::pair<int, std::string> get(sysdb_connection *conn, const char *key) {
+        uint32_t type = SYSDB_TYPE_STRING;
+        void *value = nullptr;
+        uint32_t size = 99;
+        const int rc = sysdb_item_get(conn, key, &type, &value, &size, 0);
+        std::string text;
+        if (rc == 0) {
+            text.assign(static_cast<char *>(value), size);
+            std::free(value);
+        }
+        return {rc, text};
+    }
 };
 
-TEST_F(Sysdb, ItemsUnderTheBindPoint) {
+TEST_F(Sysdb, ItemsByFullPathMissingOrEmpty) {
     yfw::sysdb::set_item("/cfg/gl/ems/ord_A/grpc/name", "srv");
     yfw::sysdb::set_item("/cfg/gl/ems/ord_A/grpc/running", "");
     sysdb_connection *conn = nullptr;
     ASSERT_EQ(_sysdb_bind(&conn, "/cfg/gl/ems/", 0), 0);
-
-    uint32_t type = SYSDB_TYPE_STRING;
-    void *value = nullptr;
-    uint32_t size = 99;
-    ASSERT_EQ(sysdb_item_get(conn, "ord_A/grpc/name", &type, &value, &size, 0), 0);
-    EXPECT_STREQ(static_cast<char *>(value), "srv");
-    EXPECT_EQ(size, 3u);
-    EXPECT_EQ(type, SYSDB_TYPE_STRING);
-    std::free(value);
-
-    ASSERT_EQ(sysdb_item_get(conn, "ord_A/grpc/running", &type, &value, &size, 0), 0);
-    EXPECT_EQ(size, 0u);
-    std::free(value);
-
+    EXPECT_EQ(get(conn, "ord_A/grpc/name"), std::make_pair(0, std::string("srv")));
+    EXPECT_EQ(get(conn, "ord_A/grpc/running"), std::make_pair(0, std::string()));
     yfw::sysdb::erase_item("/cfg/gl/ems/ord_A/grpc/name");
-    EXPECT_NE(sysdb_item_get(conn, "ord_A/grpc/name", &type, &value, &size, 0), 0);
+    EXPECT_NE(get(conn, "ord_A/grpc/name").first, 0);
+    EXPECT_NE(get(conn, "grpc/name").first, 0);
     EXPECT_EQ(_sysdb_unbind(conn), 0);
 }
 
-TEST_F(Sysdb, BindCanFail) {
-    yfw::sysdb::set_bind_fails(true);
+TEST_F(Sysdb, BindFailsOnRequestAndWhileAbsent) {
     sysdb_connection *conn = nullptr;
+    yfw::sysdb::set_bind_fails(true);
+    EXPECT_NE(_sysdb_bind(&conn, "/cfg/gl/ems/", 0), 0);
+    yfw::sysdb::clear();
     EXPECT_NE(_sysdb_bind(&conn, "/cfg/gl/ems/", 0), 0);
     EXPECT_EQ(conn, nullptr);
+}
+
+// The library's probe reaches the stand-in; any other path is the host's.
+TEST_F(Sysdb, PresenceAnswersTheProbeAndNothingElse) {
+    EXPECT_EQ(access("/pkg/lib/libsysdb.so", R_OK), 0);
+    yfw::sysdb::clear();
+    EXPECT_FALSE(yfw::sysdb::present());
+    errno = 0;
+    EXPECT_EQ(access("/pkg/lib/libsysdb.so", R_OK), -1);
+    EXPECT_EQ(errno, ENOENT);
+
+    EXPECT_EQ(access("/", R_OK), 0);
+    errno = 0;
+    EXPECT_EQ(access("/nonexistent/libsysdb.so", F_OK), -1);
+    EXPECT_EQ(errno, ENOENT);
+    const std::string self = testing::internal::GetArgvs().front();
+    EXPECT_EQ(access(self.c_str(), X_OK), 0);
+}
+
+TEST(Address, NullTextIsNoAddress) {
+    unsigned char out[16] = {};
+    EXPECT_EQ(qv_inet_pton(AF_INET, nullptr, out), 0);
+    EXPECT_EQ(qv_inet_pton(AF_INET6, "::1", out), 1);
+    EXPECT_EQ(qv_inet_pton(AF_INET, "10.0.0.256", out), 0);
 }
 
 TEST(Registry, ModulesAndListKeys) {

@@ -26,6 +26,10 @@ inline std::string oc_system(std::string_view body) {
            std::string(body) + "</system>";
 }
 
+// g++ 12 at -O3 sees an overlap that cannot be in "literal" + std::string.
+#if defined(__GNUC__) && !defined(__clang__)
+#pragma GCC diagnostic ignored "-Wrestrict"
+#endif
 // A native tree: the root element `root` of `module`.
 inline std::string native(std::string_view module, std::string_view root, std::string_view body) {
     return "<" + std::string(root) + " xmlns=\"" + native_ns(module) + "\">" + std::string(body) +

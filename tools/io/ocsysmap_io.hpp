@@ -19,9 +19,10 @@ struct ParseError : std::runtime_error {
 };
 
 // Parses one root, or several roots inside <config>, <filter> or <data> (XML)
-// or a JSON array. XML or JSON is chosen by the content. In a read kind an
-// empty XML element is a selection node without a value; in any other kind it
-// carries the empty value. Throws ParseError.
+// or a JSON array. XML or JSON is chosen by the content. An empty XML element
+// carries the empty value, except in a read kind under a root that is not of a
+// native module (a native root is always an answer of the device): there it is
+// a selection node without a value. Throws ParseError.
 std::vector<tidl_yfw_datatree *> parse_input(yfw::Arena &arena, std::string_view text,
                                              bool read_kind);
 

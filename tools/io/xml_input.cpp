@@ -62,11 +62,21 @@ void keep_quiet(void *, xmlError *) {}
     throw ParseError("XML line " + std::to_string(xmlGetLineNo(at)) + ": " + std::string(what));
 }
 
+// A root of a native module is always a device's answer, whose empty elements
+// are empty leaves, never selections. OpenConfig roots, and roots of modules
+// the framework does not know (test modules), may be requests.
+bool is_native_root(const xmlNode *element) {
+    const yfw::Module *m =
+        element->ns != nullptr ? yfw::module_by_namespace(view(element->ns->href)) : nullptr;
+    return m != nullptr && !m->name.starts_with("openconfig-");
+}
+
 class TreeBuilder {
 public:
-    TreeBuilder(yfw::Arena &arena, bool read_kind) : arena_(arena), read_kind_(read_kind) {}
+    explicit TreeBuilder(yfw::Arena &arena) : arena_(arena) {}
 
-    void fill(tidl_yfw_datatree &node, const xmlNode *element, int depth) {
+    // `empty_selects`: an empty element is a selection node without a value.
+    void fill(tidl_yfw_datatree &node, const xmlNode *element, int depth, bool empty_selects) {
         if (depth > kMaxDepth) {
             fail(element, "elements nest deeper than " + std::to_string(kMaxDepth) + " levels");
         }
@@ -77,9 +87,9 @@ public:
         }
         Content content = content_of(element);
         for (const xmlNode *child : content.elements) {
-            fill(*arena_.append_child(&node), child, depth + 1);
+            fill(*arena_.append_child(&node), child, depth + 1, empty_selects);
         }
-        if (content.elements.empty() && (!content.text.empty() || !read_kind_)) {
+        if (content.elements.empty() && (!content.text.empty() || !empty_selects)) {
             node.value = arena_.text(content.text);
             node.present_value = 1;
         }
@@ -131,7 +141,6 @@ public:
 
 private:
     yfw::Arena &arena_;
-    bool read_kind_;
 };
 
 std::unique_ptr<xmlDoc, XmlDocFree> read_document(std::string_view text) {
@@ -180,12 +189,12 @@ std::vector<tidl_yfw_datatree *> parse_xml(yfw::Arena &arena, std::string_view t
         }
         elements = TreeBuilder::content_of(top).elements;
     }
-    TreeBuilder builder(arena, read_kind);
+    TreeBuilder builder(arena);
     std::vector<tidl_yfw_datatree *> roots;
     roots.reserve(elements.size());
     for (const xmlNode *element : elements) {
         roots.push_back(arena.new_root());
-        builder.fill(*roots.back(), element, 1);
+        builder.fill(*roots.back(), element, 1, read_kind && !is_native_root(element));
     }
     return roots;
 }

@@ -145,11 +145,20 @@ uint32_t trace_index_drawn();
 // ---- System database ------------------------------------------------------
 
 namespace sysdb {
-// The stand-in database: items under bind points, and whether binding works.
-void set_item(std::string_view key, std::string_view value);
-void erase_item(std::string_view key);
-void clear();
+// The stand-in database. Items are kept by full path, such as
+// "/cfg/gl/ems/ord_A/grpc/name"; an item read through a connection is found
+// under the bind point followed by the key. An empty value is an item of size
+// 0, told apart from a missing one.
+void set_item(std::string_view path, std::string_view value);
+void erase_item(std::string_view path);
+// Whether the database exists on this host: access("/pkg/lib/libsysdb.so",
+// R_OK) answers from it, and binds fail while it is absent. Absent at start.
+void set_present(bool present);
+bool present();
+// Whether binding fails although the database is present.
 void set_bind_fails(bool fails);
+// No items, binding works, and the database is absent.
+void clear();
 } // namespace sysdb
 
 } // namespace yfw
