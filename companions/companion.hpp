@@ -81,6 +81,8 @@ struct Path {
 private:
     void put(std::string_view s) {
         const std::size_t n = std::min(s.size(), sizeof text - 1 - used);
+        if (n == 0) // an empty piece may have no storage at all
+            return;
         std::memcpy(text + used, s.data(), n);
         used += n;
     }
