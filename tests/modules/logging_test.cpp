@@ -1,0 +1,467 @@
+// Logging and messages: the severity and facility words, remote servers and
+// console in both directions, and the messages subtree.
+#include "../../oc-syslog/src/ymap_syslog.hpp"
+#include "harness.hpp"
+
+namespace {
+
+using test::Request;
+
+constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
+constexpr auto kSyslog = &ymap_qo_ocsystem_tarvexqvinfrasyslogcfg_lvla_syslog;
+constexpr auto kMessages =
+    &ymap_qo_ocsystem_tarvexqvprivateocsystemmessagestelemetryoper_lvla_ocsyslog;
+
+const std::string kN = "/Tarvex-QV-infra-syslog-cfg:syslog";
+const std::string kVrf = kN + "/host-server/vrfs/vrf[vrf-name='default']";
+const std::string kVrfHead = kN + "\n" + kN + "/host-server\n" + kN + "/host-server/vrfs\n" + kVrf +
+                             "\n" + kVrf + "/vrf-name = \"default\"\n";
+const std::string kOcSys = "/openconfig-system:system";
+const std::string kSel = "/selectors/selector[facility='NONE']";
+
+std::string servers(std::string_view body) {
+    return test::oc_system("<logging><remote-servers>" + std::string(body) +
+                           "</remote-servers></logging>");
+}
+std::string native(std::string_view body) {
+    return test::native("Tarvex-QV-infra-syslog-cfg", "syslog", body);
+}
+std::string errors(Request &r) {
+    std::string out;
+    for (const std::string &line : r.session().debug_log())
+        if (line.starts_with("ERR: "))
+            out += line.substr(line.find(',') + 1) + "\n";
+    return out;
+}
+
+// Native list, key leaf and severity-port container of each host form.
+struct Family {
+    const char *list;
+    const char *entry;
+    const char *key;
+    const char *sp;
+};
+constexpr Family kHosts{"hosts", "host", "host-name", "host-severity-port"};
+constexpr Family kIpv4{"ipv4s", "ipv4", "address", "ipv4-severity-port"};
+constexpr Family kIpv6{"ipv6s", "ipv6", "address", "ipv6-severity-port"};
+
+// The native rows of one server: its entry and key, then a leaf beside the port.
+std::string server_rows(const Family &f, const std::string &host, const std::string &key_tail,
+                        const std::string &leaf) {
+    const std::string e = kVrf + "/" + f.list + "/" + f.entry + "[" + f.key + "='" + host + "']";
+    std::string out = kVrf + "/" + f.list + "\n" + e + "\n" + e + "/" + f.key + key_tail + "\n";
+    if (!leaf.empty())
+        out += e + "/" + f.sp + "\n" + e + "/" + f.sp + "/" + leaf + "\n";
+    return out;
+}
+
+// ---- The vocabulary ---------------------------------------------------------------------
+
+using Conversion = const char *(*)(yfw_map_ctx *, const char *);
+struct Dialect {
+    Conversion to_native;
+    Conversion to_oc;
+    std::vector<std::pair<const char *, const char *>> words;
+};
+
+TEST(LoggingWords, EveryWordConvertsBothWays) {
+    const std::vector<std::pair<const char *, const char *>> common = {
+        {"EMERGENCY", "emergency"}, {"ALERT", "alert"},     {"CRITICAL", "critical"},
+        {"ERROR", "error"},         {"WARNING", "warning"}, {"NOTICE", "notice"},
+        {"DEBUG", "debug"}};
+    Dialect remote{oc_syslog_severity_conversion, qv_oc_syslog_severity_conversion, common};
+    remote.words.emplace_back("INFORMATIONAL", "informational");
+    Dialect console{oc_syslog_console_severity_conversion, qv_oc_syslog_console_severity_conversion,
+                    common};
+    console.words.emplace_back("INFORMATIONAL", "info");
+    console.words.emplace_back("DISABLE", "disable");
+    Dialect facility{oc_syslog_facility_conversion,
+                     qv_oc_syslog_facility_conversion,
+                     {{"KERNEL", "kern"},
+                      {"SYSTEM_DAEMON", "daemon"},
+                      {"AUTH", "auth"},
+                      {"LOCAL0", "local0"},
+                      {"LOCAL1", "local1"},
+                      {"LOCAL2", "local2"},
+                      {"LOCAL3", "local3"},
+                      {"LOCAL4", "local4"},
+                      {"LOCAL5", "local5"},
+                      {"LOCAL6", "local6"},
+                      {"LOCAL7", "local7"},
+                      {"MAIL", "mail"},
+                      {"USER", "user"},
+                      {"SYSLOG", "syslog"}}};
+    Request r(KIND_GET_CONFIG);
+    for (const Dialect *d : {&remote, &console, &facility})
+        for (const auto &[oc, nat] : d->words) {
+            EXPECT_STREQ(d->to_native(r.ctx(), oc), nat) << oc;
+            EXPECT_STREQ(d->to_oc(r.ctx(), nat), oc) << nat;
+        }
+    EXPECT_EQ(errors(r), "");
+}
+
+TEST(LoggingWords, OnlyWholeWordsOfTheirOwnDialectConvert) {
+    const struct {
+        Conversion fn;
+        const char *word;
+        const char *trace;
+    } cases[] = {
+        {oc_syslog_severity_conversion, "DISABLE",
+         "Invalid severity leaf value 'DISABLE' specified in OC model"},
+        {oc_syslog_severity_conversion, "EMERG",
+         "Invalid severity leaf value 'EMERG' specified in OC model"},
+        {oc_syslog_severity_conversion, "emergency",
+         "Invalid severity leaf value 'emergency' specified in OC model"},
+        {oc_syslog_severity_conversion, "ERRORS",
+         "Invalid severity leaf value 'ERRORS' specified in OC model"},
+        {qv_oc_syslog_severity_conversion, "info",
+         "Invalid severity leaf value 'info' specified in OC model"},
+        {qv_oc_syslog_severity_conversion, "disable",
+         "Invalid severity leaf value 'disable' specified in OC model"},
+        {qv_oc_syslog_console_severity_conversion, "informational",
+         "Invalid console severity leaf value 'informational' specified in OC model"},
+        {oc_syslog_console_severity_conversion, "Info",
+         "Invalid console severity leaf value 'Info' specified in OC model"},
+        {oc_syslog_facility_conversion, "NONE",
+         "Invalid or Unsupported facility leaf value 'NONE' specified in OC model"},
+        {qv_oc_syslog_facility_conversion, "KERNEL",
+         "Invalid or Unsupported facility leaf value 'KERNEL' specified in OC model"},
+        {oc_syslog_severity_conversion, nullptr, "Null severity leaf specified in OC model"},
+        {oc_syslog_console_severity_conversion, nullptr,
+         "Null console severity leaf specified in OC model"},
+        {qv_oc_syslog_facility_conversion, nullptr, "Null severity leaf specified in OC model"},
+    };
+    for (const auto &c : cases) {
+        Request r(KIND_GET_CONFIG);
+        EXPECT_EQ(c.fn(r.ctx(), c.word), nullptr) << (c.word ? c.word : "(null)");
+        EXPECT_EQ(errors(r), std::string(c.trace) + "\n");
+        EXPECT_EQ(r.state()->error_message, nullptr);
+    }
+}
+
+TEST(LoggingWords, HostFormChoosesTheFamilyWithoutLookingUpNames) {
+    const std::pair<const char *, const char *> cases[] = {
+        {"192.0.2.1", "ipv4"},        {"2001:db8::1", "ipv6"},
+        {"::ffff:192.0.2.1", "ipv6"}, {"1.2.3", "NULL"},
+        {"localhost", "NULL"},        {"log.example.net", "NULL"},
+        {"192.0.2.1.example", "NULL"}};
+    for (const auto &[host, family] : cases)
+        EXPECT_STREQ(oc_syslog_check_ipv4_ipv6(host), family) << host;
+    EXPECT_STREQ(oc_syslog_check_ipv4_ipv6(nullptr), "NULL");
+}
+
+// ---- OpenConfig to native ----------------------------------------------------------------
+
+TEST(LoggingToNative, AnEditedServerLandsInTheListOfItsHostForm) {
+    const std::pair<const char *, const Family *> cases[] = {{"192.0.2.1", &kIpv4},
+                                                             {"2001:db8::1", &kIpv6},
+                                                             {"::ffff:192.0.2.1", &kIpv6},
+                                                             {"log.example.net", &kHosts},
+                                                             {"1.2.3", &kHosts}};
+    for (const auto &[host, family] : cases) {
+        Request r(KIND_EDIT_A);
+        const std::string h(host);
+        ASSERT_EQ(r.run(kSystem, servers("<remote-server nc:operation=\"merge\"><host>" + h +
+                                         "</host><config><remote-port>514</remote-port></config>"
+                                         "</remote-server>")),
+                  YFW_SUCCESS);
+        EXPECT_EQ(r.paths(), kVrfHead + server_rows(*family, h, " = \"" + h + "\" @merge",
+                                                    "port = \"514\" @merge"))
+            << host;
+        r.expect_state_restored();
+    }
+}
+
+TEST(LoggingToNative, AReadAsksAllThreeListsWithTheSameKey) {
+    Request r(KIND_GET_CONFIG);
+    ASSERT_EQ(r.run(kSystem, servers("<remote-server><host>192.0.2.1</host><selectors><selector>"
+                                     "<facility>NONE</facility><severity>ERROR</severity>"
+                                     "</selector></selectors></remote-server>")),
+              YFW_SUCCESS);
+    std::string want = kVrfHead;
+    for (const Family *f : {&kHosts, &kIpv4, &kIpv6})
+        want += server_rows(*f, "192.0.2.1", " = \"192.0.2.1\"", "severity = \"ERROR\"");
+    // The entry named by its keys is read whole: its facility, with no word of
+    // its own, asks for the shared native facility.
+    EXPECT_EQ(r.paths(),
+              want + kN + "/logging-facilities\n" + kN + "/logging-facilities/facility-level\n");
+    r.expect_state_restored();
+}
+
+TEST(LoggingToNative, DeletesTakeOneServerOrTheWholeVrf) {
+    Request one(KIND_EDIT_A);
+    ASSERT_EQ(one.run(kSystem, servers("<remote-server nc:operation=\"delete\"><host>192.0.2.1"
+                                       "</host></remote-server>")),
+              YFW_SUCCESS);
+    // The VRF stays; the server's key goes without a value, so the entry is
+    // named by its list alone, and the delete reaches its port too.
+    const std::string e = kVrf + "/ipv4s/ipv4";
+    EXPECT_EQ(one.paths(), kVrfHead + kVrf + "/ipv4s\n" + e + " @delete\n" + e +
+                               "/address @remove\n" + e + "/ipv4-severity-port\n" + e +
+                               "/ipv4-severity-port/port @remove\n");
+    one.expect_state_restored();
+
+    Request all(KIND_EDIT_A);
+    ASSERT_EQ(all.run(kSystem, test::oc_system("<logging><remote-servers nc:operation=\"delete\"/>"
+                                               "</logging>")),
+              YFW_SUCCESS);
+    const std::string h = kVrf + "/hosts/host";
+    EXPECT_EQ(all.paths(), kN + "\n" + kN + "/host-server\n" + kN + "/host-server/vrfs\n" + kVrf +
+                               " @delete\n" + kVrf + "/vrf-name = \"default\" @delete\n" + kVrf +
+                               "/hosts\n" + h + " @remove\n" + h + "/host-name @remove\n" + h +
+                               "/host-severity-port\n" + h +
+                               "/host-severity-port/port = \"\" @remove\n");
+    all.expect_state_restored();
+}
+
+TEST(LoggingToNative, ASelectorOfAnotherFacilityIsRefusedInEditsOnly) {
+    const std::string sel = "<remote-server><host>192.0.2.1</host><selectors><selector>"
+                            "<facility>KERNEL</facility><severity>ERROR</severity></selector>"
+                            "</selectors></remote-server>";
+    Request edit(KIND_EDIT_A);
+    test::expect_refused(
+        edit, edit.run(kSystem, servers(sel)),
+        {YFW_ERR_BAD_VALUE, "", "", "Invalid value for SYSLOG facility only NONE supported."});
+    Request console(KIND_EDIT_C);
+    test::expect_refused(
+        console,
+        console.run(kSystem, test::oc_system("<logging><console><selectors><selector>"
+                                             "<facility>NON</facility><severity>ERROR</severity>"
+                                             "</selector></selectors></console></logging>")),
+        {YFW_ERR_BAD_VALUE, "", "", "Invalid value for SYSLOG facility only NONE supported."});
+    Request read(KIND_GET_CONFIG);
+    EXPECT_EQ(read.run(kSystem, servers(sel)), YFW_SUCCESS);
+}
+
+TEST(LoggingToNative, ThePortIsCheckedOnItsLow32Bits) {
+    const std::pair<const char *, cerrno> cases[] = {
+        {"65535", YFW_SUCCESS},      {"65536", YFW_ERR_BAD_VALUE},      {"-1", YFW_ERR_BAD_VALUE},
+        {"4294967296", YFW_SUCCESS}, {"4295032832", YFW_ERR_BAD_VALUE}, {"abc", YFW_SUCCESS}};
+    // A read with a value reads the container whole, and reports the refusal there.
+    const std::string config =
+        "/openconfig-system:system/logging/remote-servers/remote-server[host='h']/config";
+    for (uint32_t kind : {KIND_EDIT_A, KIND_GET_CONFIG})
+        for (const auto &[port, status] : cases) {
+            Request r(kind);
+            const cerrno got = r.run(kSystem, servers("<remote-server><host>h</host><config>"
+                                                      "<remote-port>" +
+                                                      std::string(port) +
+                                                      "</remote-port></config></remote-server>"));
+            if (status == YFW_SUCCESS) {
+                EXPECT_EQ(got, YFW_SUCCESS) << port;
+                continue;
+            }
+            test::expect_refused(r, got,
+                                 {YFW_ERR_BAD_VALUE, kind == KIND_GET_CONFIG ? "config" : "",
+                                  kind == KIND_GET_CONFIG ? config : "",
+                                  "Invalid remote-port leaf value specified in OC model supported "
+                                  "range is (0 - 65535)"});
+            EXPECT_EQ(r.paths().find("port"), std::string::npos) << r.paths();
+        }
+}
+
+TEST(LoggingToNative, ConsoleAndMessagesLevelsSpeakTheConsoleDialect) {
+    Request r(KIND_EDIT_A);
+    ASSERT_EQ(r.run(kSystem, test::oc_system(
+                                 "<logging><console><selectors><selector><facility>NONE</facility>"
+                                 "<severity>DISABLE</severity><config><severity>DISABLE"
+                                 "</severity></config></selector></selectors></console></logging>"
+                                 "<messages><config><severity>DISABLE</severity></config>"
+                                 "</messages>")),
+              YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), kN + "\n" + kN + "/console-logging\n" + kN +
+                             "/console-logging/logging-level = \"disable\"\n" + kN +
+                             "/yang-logging\n" + kN +
+                             "/yang-logging/logging-level = \"disable\"\n");
+    // A read through the key filters by the OpenConfig word itself.
+    Request read(KIND_GET_CONFIG);
+    ASSERT_EQ(read.run(kSystem, test::oc_system("<logging><console><selectors><selector>"
+                                                "<facility>NONE</facility><severity>INFORMATIONAL"
+                                                "</severity></selector></selectors></console>"
+                                                "</logging>")),
+              YFW_SUCCESS);
+    EXPECT_EQ(read.paths(), kN + "\n" + kN + "/console-logging\n" + kN +
+                                "/console-logging/logging-level = \"INFORMATIONAL\"\n");
+}
+
+TEST(LoggingToNative, LeavesWithoutCounterpartAreRefusedInReadsAndEdits) {
+    const std::string server = "/openconfig-system:system/logging/remote-servers/"
+                               "remote-server[host='h']";
+    const std::string selector = "/openconfig-system:system/logging/console/selectors/"
+                                 "selector[facility='NONE'][severity='ERROR']/config";
+    const std::string debug = "/openconfig-system:system/messages/debug-entries/"
+                              "debug-service[service='X']/config";
+    const struct {
+        std::string body;
+        const char *tag;
+        std::string path;
+    } cases[] = {
+        {"<logging><remote-servers><remote-server><host>h</host><config><source-address>"
+         "%V%</source-address></config></remote-server></remote-servers></logging>",
+         "source-address", server + "/config"},
+        {"<logging><console><selectors><selector><facility>NONE</facility><severity>ERROR"
+         "</severity><config><facility>%V%</facility></config></selector></selectors></console>"
+         "</logging>",
+         "facility", selector},
+        {"<messages><debug-entries><debug-service><service>X</service><config><enabled>true"
+         "</enabled></config></debug-service></debug-entries></messages>",
+         "service", debug.substr(0, debug.size() - 7)},
+    };
+    for (uint32_t kind : {KIND_GET_CONFIG, KIND_EDIT_A})
+        for (const auto &c : cases) {
+            Request r(kind);
+            // A read names the leaf bare; a value would read the container whole.
+            std::string body = c.body;
+            if (const auto at = body.find("%V%"); at != std::string::npos)
+                body.replace(at, 3, kind == KIND_GET_CONFIG ? "" : "NONE");
+            test::expect_refused(r, r.run(kSystem, test::oc_system(body)),
+                                 {YFW_ERR_UNSUPPORTED_TAG, c.tag, c.path});
+        }
+}
+
+// ---- Native to OpenConfig ----------------------------------------------------------------
+
+const std::string kRs = kOcSys + "/logging/remote-servers/remote-server[host='192.0.2.1']";
+
+std::string native_server(std::string_view severity) {
+    return "<host-server><vrfs><vrf><vrf-name>blue</vrf-name><ipv4s><ipv4><address>192.0.2.1"
+           "</address><ipv4-severity-port><severity>" +
+           std::string(severity) +
+           "</severity><port>514</port></ipv4-severity-port></ipv4></ipv4s></vrf></vrfs>"
+           "</host-server><logging-facilities><facility-level>local7</facility-level>"
+           "</logging-facilities><archive><size>4</size></archive>";
+}
+
+TEST(LoggingFromNative, AServerOfAnyVrfReadsBackAsOneSelectorOfFacilityNone) {
+    const std::string head = kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys +
+                             "/logging/remote-servers\n" + kRs + "\n" + kRs +
+                             "/host = \"192.0.2.1\"\n" + kRs + "/config\n";
+    const std::string sel = kRs + kSel + "[severity='INFORMATIONAL']";
+    const std::string sel_head = kRs + "/selectors\n" + sel + "\n" + sel +
+                                 "/facility = \"NONE\"\n" + sel + "/severity = \"INFORMATIONAL\"\n";
+    Request get(KIND_GET);
+    ASSERT_EQ(get.run(kSyslog, native(native_server("informational"))), YFW_SUCCESS);
+    EXPECT_EQ(get.paths(), head + kRs + "/config/host = \"192.0.2.1\"\n" + kRs +
+                               "/config/remote-port = \"514\"\n" + kRs + "/state\n" + kRs +
+                               "/state/host = \"192.0.2.1\"\n" + kRs +
+                               "/state/remote-port = \"514\"\n" + sel_head + sel + "/config\n" +
+                               sel + "/config/severity = \"INFORMATIONAL\"\n" + sel + "/state\n" +
+                               sel + "/state/severity = \"INFORMATIONAL\"\n");
+    get.expect_state_restored();
+
+    Request oper(KIND_GET, true);
+    ASSERT_EQ(oper.run(kSyslog, native(native_server("informational"))), YFW_SUCCESS);
+    EXPECT_EQ(oper.paths(),
+              kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys + "/logging/remote-servers\n" + kRs +
+                  "\n" + kRs + "/host = \"192.0.2.1\"\n" + kRs + "/state\n" + kRs +
+                  "/state/host = \"192.0.2.1\"\n" + kRs + "/state/remote-port = \"514\"\n" +
+                  sel_head + sel + "/state\n" + sel + "/state/severity = \"INFORMATIONAL\"\n");
+}
+
+TEST(LoggingFromNative, AnEditKindWritesFirstPathsOnlyAndABadWordNoValue) {
+    Request r(KIND_EDIT_A);
+    ASSERT_EQ(r.run(kSyslog, native(native_server("info"))), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(),
+              kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys + "/logging/remote-servers\n" + kRs +
+                  "\n" + kRs + "/host = \"192.0.2.1\"\n" + kRs + "/config\n" + kRs +
+                  "/config/host = \"192.0.2.1\"\n" + kRs + "/config/remote-port = \"514\"\n" + kRs +
+                  "/selectors\n" + kRs + "/selectors/selector\n" + kRs +
+                  "/selectors/selector/severity\n" + kRs + "/selectors/selector/config\n" + kRs +
+                  "/selectors/selector/config/severity\n");
+    EXPECT_EQ(errors(r), "Invalid severity leaf value 'info' specified in OC model\n"
+                         "Invalid severity leaf value 'info' specified in OC model\n");
+}
+
+TEST(LoggingFromNative, ConsoleDisableHasNoSelectorWhereYangLoggingShowsIt) {
+    const std::string sel = kOcSys + "/logging/console" + kSel + "[severity='INFORMATIONAL']";
+    const struct {
+        uint32_t kind;
+        const char *console;
+        std::string want;
+    } cases[] = {
+        {KIND_GET_CONFIG, "disable",
+         kOcSys + "\n" + kOcSys + "/messages\n" + kOcSys + "/messages/config\n" + kOcSys +
+             "/messages/config/severity = \"DISABLE\"\n"},
+        {KIND_GET_CONFIG, "info",
+         kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys + "/logging/console\n" + kOcSys +
+             "/logging/console/selectors\n" + sel + "\n" + sel + "/facility = \"NONE\"\n" + sel +
+             "/severity = \"INFORMATIONAL\"\n" + sel + "/config\n" + sel +
+             "/config/severity = \"INFORMATIONAL\"\n" + kOcSys + "/messages\n" + kOcSys +
+             "/messages/config\n" + kOcSys + "/messages/config/severity = \"DISABLE\"\n"},
+    };
+    for (const auto &c : cases) {
+        Request r(c.kind);
+        ASSERT_EQ(
+            r.run(kSyslog, native("<console-logging><logging-level>" + std::string(c.console) +
+                                  "</logging-level></console-logging><yang-logging>"
+                                  "<logging-level>disable</logging-level></yang-logging>")),
+            YFW_SUCCESS);
+        EXPECT_EQ(r.paths(), c.want) << c.console;
+    }
+    Request oper(KIND_GET, true);
+    ASSERT_EQ(oper.run(kSyslog, native("<yang-logging><logging-level>info</logging-level>"
+                                       "</yang-logging>")),
+              YFW_SUCCESS);
+    EXPECT_EQ(oper.paths(), "");
+}
+
+// ---- Messages --------------------------------------------------------------------------------
+
+const std::string kMsgN = "/Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper:ocsyslog";
+const std::string kMsgHead = kMsgN + "\n" + kMsgN + "/system\n" + kMsgN + "/system/messages\n" +
+                             kMsgN + "/system/messages/state";
+
+TEST(Messages, StateReadsGoToTheOperationalModuleUnconverted) {
+    const std::pair<const char *, std::string> cases[] = {
+        // Named bare, the container is asked for whole, and its leaves follow.
+        {"<state/>", kMsgHead + "\n" + kMsgN + "/system/messages/state/severity\n" + kMsgN +
+                         "/system/messages/state/message\n" + kMsgN +
+                         "/system/messages/state/message/msg\n" + kMsgN +
+                         "/system/messages/state/message/priority\n" + kMsgN +
+                         "/system/messages/state/message/app-name\n" + kMsgN +
+                         "/system/messages/state/message/procid\n" + kMsgN +
+                         "/system/messages/state/message/msgid\n"},
+        {"<state><severity/></state>",
+         kMsgHead + "\n" + kMsgN + "/system/messages/state/severity\n"},
+        {"<state><message/></state>", kMsgHead + "\n" + kMsgN + "/system/messages/state/message\n" +
+                                          kMsgN + "/system/messages/state/message/msg\n" + kMsgN +
+                                          "/system/messages/state/message/priority\n" + kMsgN +
+                                          "/system/messages/state/message/app-name\n" + kMsgN +
+                                          "/system/messages/state/message/procid\n" + kMsgN +
+                                          "/system/messages/state/message/msgid\n"},
+    };
+    for (const auto &[body, want] : cases) {
+        Request r(KIND_GET);
+        ASSERT_EQ(r.run(kSystem, test::oc_system("<messages>" + std::string(body) + "</messages>")),
+                  YFW_SUCCESS);
+        EXPECT_EQ(r.paths(), want) << body;
+        r.expect_state_restored();
+    }
+}
+
+TEST(Messages, NativeStateSpeaksTheServersDialectInGetOnly) {
+    const std::string answer = test::native(
+        "Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper", "ocsyslog",
+        "<system><messages><state><severity>informational</severity><message><msg>up</msg>"
+        "<priority>189</priority></message></state></messages></system>");
+    Request get(KIND_GET);
+    ASSERT_EQ(get.run(kMessages, answer), YFW_SUCCESS);
+    const std::string s = kOcSys + "/messages/state";
+    EXPECT_EQ(get.paths(), kOcSys + "\n" + kOcSys + "/messages\n" + s + "\n" + s +
+                               "/severity = \"INFORMATIONAL\"\n" + s + "/message\n" + s +
+                               "/message/msg = \"up\"\n" + s + "/message/priority = \"189\"\n");
+
+    Request bad(KIND_GET);
+    ASSERT_EQ(bad.run(kMessages,
+                      test::native("Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper", "ocsyslog",
+                                   "<system><messages><state><severity>info</severity>"
+                                   "</state></messages></system>")),
+              YFW_SUCCESS);
+    EXPECT_EQ(bad.paths(), kOcSys + "\n" + kOcSys + "/messages\n" + s + "\n" + s + "/severity\n");
+
+    Request config(KIND_GET_CONFIG);
+    ASSERT_EQ(config.run(kMessages, answer), YFW_SUCCESS);
+    EXPECT_EQ(config.paths(), "");
+}
+
+} // namespace
