@@ -134,6 +134,14 @@ YMAP_HAND_COUNT(ymap_oq_ocsystem_openconfigsystem_cont_lvla_system_logging_remot
 
 namespace {
 
+// A refused value: the text goes to the answer, and nothing is written.
+cerrno bad_value(yfw_map_ctx *ctx, const char *message) {
+    yfw_map_state *st = ctx->state;
+    qvos_named_free(st->error_message);
+    st->error_message = yfw_strdup(message, YFW_MAP_ALLOC_LABEL);
+    return YFW_ERR_BAD_VALUE;
+}
+
 // The native side keeps one facility for all servers, so a selector can only
 // be created under the facility that says nothing.
 cerrno check_selector_facility(const char *name, yfw_map_ctx *ctx, tidl_yfw_datatree *node) {
@@ -141,11 +149,7 @@ cerrno check_selector_facility(const char *name, yfw_map_ctx *ctx, tidl_yfw_data
         return YFW_SUCCESS;
     if (node->value == nullptr || ymap::syslog::same_word(name, "NONE", node->value, true))
         return YFW_SUCCESS;
-    yfw_map_state *st = ctx->state;
-    qvos_named_free(st->error_message);
-    st->error_message =
-        yfw_strdup("Invalid value for SYSLOG facility only NONE supported.", YFW_MAP_ALLOC_LABEL);
-    return YFW_ERR_BAD_VALUE;
+    return bad_value(ctx, "Invalid value for SYSLOG facility only NONE supported.");
 }
 
 // A read through a selector key filters by the OpenConfig word itself; the
@@ -203,14 +207,9 @@ YMAP_SYSLOG_TABLE_HAND(ymap_oq_ocsystem_openconfigsystem_leaf_lvla_system_config
                                 "remote-port", &port);
     if (port != nullptr) {
         const long long parsed = std::strtoll(port, nullptr, 10);
-        if (static_cast<uint32_t>(parsed) >= 65536u) {
-            yfw_map_state *st = ctx->state;
-            qvos_named_free(st->error_message);
-            st->error_message = yfw_strdup("Invalid remote-port leaf value specified in OC model "
-                                           "supported range is (0 - 65535)",
-                                           YFW_MAP_ALLOC_LABEL);
-            return YFW_ERR_BAD_VALUE;
-        }
+        if (static_cast<uint32_t>(parsed) >= 65536u)
+            return bad_value(ctx, "Invalid remote-port leaf value specified in OC model "
+                                  "supported range is (0 - 65535)");
     }
     return write_rows(ymap::xpath::oc_qv_port_type_check_call_back, ctx, node, out_tree,
                       node->value);
