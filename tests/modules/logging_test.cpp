@@ -464,4 +464,29 @@ TEST(Messages, NativeStateSpeaksTheServersDialectInGetOnly) {
     EXPECT_EQ(config.paths(), "");
 }
 
+TEST(Messages, TheStandAloneModelRefusesEveryLeafAndSyslogServiceIsDropped) {
+    const auto standalone = [](std::string_view body) {
+        return "<messages xmlns=\"http://openconfig.net/yang/messages\">" + std::string(body) +
+               "</messages>";
+    };
+    const std::pair<const char *, const char *> cases[] = {
+        {"<config><severity>DEBUG</severity></config>", "severity"},
+        {"<debug-entries><debug-service><service>X</service></debug-service></debug-entries>",
+         "service"},
+    };
+    for (const auto &[body, tag] : cases) {
+        Request r(KIND_EDIT_A);
+        EXPECT_EQ(r.run(&ymap_oq_ocsystem_openconfigmessages_lvla_messages, standalone(body)),
+                  YFW_ERR_UNSUPPORTED_TAG);
+        EXPECT_EQ(r.error_tag(), tag);
+    }
+    Request r(KIND_GET);
+    ASSERT_EQ(r.run(&ymap_qo_ocsystem_tarvexqvinfrasyslogcfg_lvla_syslogservice,
+                    test::native("Tarvex-QV-infra-syslog-cfg", "syslog-service",
+                                 "<timestamps><log><log-datetime><msec/></log-datetime></log>"
+                                 "</timestamps>")),
+              YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), "");
+}
+
 } // namespace
