@@ -40,7 +40,7 @@ constexpr std::array<uint32_t, 6> kKinds = {KIND_GET_CONFIG, KIND_GET,    KIND_E
                                             KIND_EDIT_B,     KIND_EDIT_C, 3};
 
 // Index 0 is the most frequent pick (bytes past the end are 0).
-constexpr std::array<std::string_view, 96> kTags = {
+constexpr std::array<std::string_view, 115> kTags = {
     "config",
     "state",
     "system",
@@ -120,6 +120,25 @@ constexpr std::array<std::string_view, 96> kTags = {
     "octelnet",
     "oc-dns",
     "ip-domain",
+    "vrfs",
+    "vrf",
+    "vrf-name",
+    "lists",
+    "list",
+    "order",
+    "list-name",
+    "server-address",
+    "ipv4-hosts",
+    "ipv4-host",
+    "ipv6-hosts",
+    "ipv6-host",
+    "dns-state",
+    "search",
+    "host-entries",
+    "host-entry",
+    "alias",
+    "ipv4-address",
+    "ipv6-address",
     "servers",
     "server",
     "address",
