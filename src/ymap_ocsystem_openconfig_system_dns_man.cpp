@@ -119,7 +119,7 @@ YMAP_HAND(oc_qv_system_config_domain_name) {
 YMAP_HAND_COUNT(oc_qv_system_dns) {
     if (const auto done = dns_container(name, ctx, count, out_tree, "/ocsystem/system/dns"))
         return *done;
-    if (yfw_map_is_request_delete(node) && !read_kind(ctx)) {
+    if (is_delete_edit(ctx, node)) {
         // All DNS configuration goes, that of other VRFs too: the children have
         // nothing left to name.
         (void)add_cfg(ctx, out_tree, kIpDomain, nullptr, node);
@@ -169,7 +169,8 @@ YMAP_HAND(oc_qv_system_dns_config_search) {
         return add_cfg(ctx, out_tree, kListName, node->value, node, 1);
     }
     const uint32_t child_count = node->present_subtrees != 0 ? node->subtree_count : 0;
-    if (child_count != 0 && node->subtrees == nullptr)
+    // Children announced and none there: only noted, the tag decides.
+    if (node->present_subtrees != 0 && node->subtrees == nullptr && node->subtree_count == 0)
         YFW_MAP_TRC(ctx, name, "Failed to get subtrees information!");
     if (node->tag == nullptr) {
         YFW_MAP_TRC(ctx, name, "Unable to fetch Tag name information!");
