@@ -186,16 +186,41 @@ INSTANTIATE_TEST_SUITE_P(
                            "<dns><servers nc:operation=\"merge\"/></dns>", kVrf}),
     [](const auto &info) { return std::string(info.param.name); });
 
-TEST(DnsToNative, ServerPortIsRefused) {
+struct Refused {
+    const char *name;
+    const char *request;
+    test::Refusal refusal;
+    friend void PrintTo(const Refused &c, std::ostream *os) { *os << c.name; }
+};
+
+class DnsRefusals : public ::testing::TestWithParam<Refused> {};
+
+TEST_P(DnsRefusals, Edit) {
+    const Refused &c = GetParam();
     Request r(KIND_EDIT_A);
-    test::expect_refused(
-        r,
-        r.run(kSystem,
-              test::oc_system("<dns><servers><server><address>192.0.2.53</address>"
-                              "<config><port>53</port></config></server></servers></dns>")),
-        {YFW_ERR_UNSUPPORTED_TAG, "port",
-         "/openconfig-system:system/dns/servers/server[address='192.0.2.53']/config"});
+    test::expect_refused(r, r.run(kSystem, test::oc_system(c.request)), c.refusal);
 }
+
+const std::string kServerPath =
+    "/openconfig-system:system/dns/servers/server[address='192.0.2.53']";
+
+INSTANTIATE_TEST_SUITE_P(
+    Edits, DnsRefusals,
+    ::testing::Values(
+        Refused{"server_port",
+                "<dns><servers><server><address>192.0.2.53</address><config><port>53"
+                "</port></config></server></servers></dns>",
+                {YFW_ERR_UNSUPPORTED_TAG, "port", kServerPath + "/config"}},
+        Refused{"state_in_an_edit",
+                "<dns><state><search>x</search></state></dns>",
+                {YFW_ERR_UNSUPPORTED_TAG, "state", "/openconfig-system:system/dns"}},
+        Refused{"host_key_with_its_own_delete",
+                "<dns><host-entries><host-entry><hostname nc:operation=\"delete\">h</hostname>"
+                "</host-entry></host-entries></dns>",
+                {YFW_ERR_KEY_DELETE, "",
+                 "/openconfig-system:system/dns/host-entries/host-entry[hostname='h']",
+                 "The key node should not have delete operation."}}),
+    [](const auto &info) { return std::string(info.param.name); });
 
 // ---- Native answers -----------------------------------------------------------------------------
 
