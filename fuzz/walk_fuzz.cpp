@@ -40,7 +40,7 @@ constexpr std::array<uint32_t, 6> kKinds = {KIND_GET_CONFIG, KIND_GET,    KIND_E
                                             KIND_EDIT_B,     KIND_EDIT_C, 3};
 
 // Index 0 is the most frequent pick (bytes past the end are 0).
-constexpr std::array<std::string_view, 127> kTags = {
+constexpr auto kTags = std::to_array<std::string_view>({
     "config",
     "state",
     "system",
@@ -120,6 +120,25 @@ constexpr std::array<std::string_view, 127> kTags = {
     "octelnet",
     "oc-dns",
     "ip-domain",
+    "vrfs",
+    "vrf",
+    "vrf-name",
+    "lists",
+    "list",
+    "order",
+    "list-name",
+    "server-address",
+    "ipv4-hosts",
+    "ipv4-host",
+    "ipv6-hosts",
+    "ipv6-host",
+    "dns-state",
+    "search",
+    "host-entries",
+    "host-entry",
+    "alias",
+    "ipv4-address",
+    "ipv6-address",
     "servers",
     "server",
     "address",
@@ -145,9 +164,6 @@ constexpr std::array<std::string_view, 127> kTags = {
     "logging-level",
     "yang-logging",
     "host-server",
-    "vrfs",
-    "vrf",
-    "vrf-name",
     "hosts",
     "ipv4s",
     "ipv4",
@@ -168,7 +184,7 @@ constexpr std::array<std::string_view, 127> kTags = {
     "state/index",
     "cpus[index='0']",
     "-",
-};
+});
 
 // Namespaces a node can name instead of its parent's; null means none at all.
 constexpr std::array<const char *, 11> kNamespaces = {
@@ -185,7 +201,7 @@ constexpr std::array<const char *, 11> kNamespaces = {
     nullptr,
 };
 
-constexpr std::array<std::string_view, 31> kValues = {
+constexpr auto kValues = std::to_array<std::string_view>({
     "0",
     "1",
     "7",
@@ -217,7 +233,7 @@ constexpr std::array<std::string_view, 31> kValues = {
     "  ",
     "\xc3\xa9t\xc3\xa9",
     "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef",
-};
+});
 
 class Bytes {
 public:

@@ -16,6 +16,16 @@ using test::oc_system;
 const char kNativeHost[] = "/Tarvex-QV-shellutil-cfg:host-names\n"
                            "/Tarvex-QV-shellutil-cfg:host-names/host-name";
 const std::string kBanners = "/Tarvex-QV-infra-infra-cfg:banners";
+// config/domain-name, walked whole with its siblings.
+const std::string kDomain = "/Tarvex-QV-ip-domain-cfg:ip-domain\n"
+                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs\n"
+                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']\n"
+                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']/"
+                            "vrf-name = \"default\"\n"
+                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']/name";
+const std::string kReadR1 = std::string(kNativeHost) + " = \"r1\"\n" + kDomain + "\n";
+const std::string kRemoved =
+    std::string(kNativeHost) + " @remove\n" + kDomain + " = \"\" @remove\n";
 std::string banner(const char *name) {
     return kBanners + "/banner[banner-name='" + name + "']";
 }
@@ -46,8 +56,8 @@ INSTANTIATE_TEST_SUITE_P(
         // A content-match leaf alone expands config: every leaf of it is read.
         Case{"get_filter_by_value_expands_config", KIND_GET,
              "<config><hostname>r1</hostname></config>",
-             std::string(kNativeHost) + " = \"r1\"\n" + kBanners + "\n" + kBanners + "/banner\n" +
-                 kBanners + "/banner/banner-text\n"},
+             kReadR1 + kBanners + "\n" + kBanners + "/banner\n" + kBanners +
+                 "/banner/banner-text\n"},
         Case{"edit_sets", KIND_EDIT_A, "<config><hostname>r1</hostname></config>",
              std::string(kNativeHost) + " = \"r1\"\n"},
         Case{"merge_carries_the_operation", KIND_EDIT_A,
@@ -57,11 +67,11 @@ INSTANTIATE_TEST_SUITE_P(
              "<config><hostname nc:operation=\"delete\"/></config>",
              std::string(kNativeHost) + " @delete\n"},
         Case{"bare_config_delete_walks_it_whole", KIND_EDIT_C, "<config nc:operation=\"delete\"/>",
-             std::string(kNativeHost) + " @remove\n" + kBanners + "\n" + banner("login") +
-                 " @remove\n" + banner("login") + "/banner-name = \"login\" @remove\n" +
-                 banner("login") + "/banner-text = \"login\" @remove\n" + banner("motd") +
-                 " @remove\n" + banner("motd") + "/banner-name = \"motd\" @remove\n" +
-                 banner("motd") + "/banner-text = \"motd\" @remove\n"},
+             kRemoved + kBanners + "\n" + banner("login") + " @remove\n" + banner("login") +
+                 "/banner-name = \"login\" @remove\n" + banner("login") +
+                 "/banner-text = \"login\" @remove\n" + banner("motd") + " @remove\n" +
+                 banner("motd") + "/banner-name = \"motd\" @remove\n" + banner("motd") +
+                 "/banner-text = \"motd\" @remove\n"},
         Case{"any_text_passes_unchanged", KIND_EDIT_B,
              "<config><hostname> a&amp;b \"c\" </hostname></config>",
              std::string(kNativeHost) + " = \" a&b \\\"c\\\" \"\n"},
