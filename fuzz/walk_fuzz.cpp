@@ -40,7 +40,7 @@ constexpr std::array<uint32_t, 6> kKinds = {KIND_GET_CONFIG, KIND_GET,    KIND_E
                                             KIND_EDIT_B,     KIND_EDIT_C, 3};
 
 // Index 0 is the most frequent pick (bytes past the end are 0).
-constexpr std::array<std::string_view, 96> kTags = {
+constexpr std::array<std::string_view, 131> kTags = {
     "config",
     "state",
     "system",
@@ -125,6 +125,41 @@ constexpr std::array<std::string_view, 96> kTags = {
     "address",
     "enable",
     "port",
+    "peer-vrfs",
+    "peer-vrf",
+    "vrf-name",
+    "peer-ipv4s",
+    "peer-ipv4",
+    "address-ipv4",
+    "peer-ipv6s",
+    "peer-ipv6",
+    "address-ipv6",
+    "peer-type-ipv4",
+    "peer-type-ipv6",
+    "peer-type",
+    "ntp-version",
+    "iburst",
+    "preferred-peer",
+    "authentication",
+    "keys",
+    "key",
+    "key-number",
+    "authentication-key",
+    "max-associations",
+    "ntp-keys",
+    "ntp-key",
+    "key-id",
+    "key-type",
+    "key-value",
+    "enabled",
+    "enable-ntp-auth",
+    "ntp-source-address",
+    "version",
+    "association-type",
+    "prefer",
+    "stratum",
+    "root-delay",
+    "offset",
     "data",
     "filter",
     "unknown",
@@ -154,7 +189,7 @@ constexpr std::array<const char *, 11> kNamespaces = {
     nullptr,
 };
 
-constexpr std::array<std::string_view, 24> kValues = {
+constexpr std::array<std::string_view, 26> kValues = {
     "0",
     "1",
     "7",
@@ -179,6 +214,8 @@ constexpr std::array<std::string_view, 24> kValues = {
     "  ",
     "\xc3\xa9t\xc3\xa9",
     "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef",
+    "192.0.2.1",
+    "2001:db8::1",
 };
 
 class Bytes {
