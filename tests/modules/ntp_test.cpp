@@ -69,16 +69,21 @@ struct Answer {
     friend void PrintTo(const Answer &c, std::ostream *os) { *os << c.name; }
 };
 
+// The whole output of one walk, which succeeds and leaves no refusal behind.
+void expect_mapped(yfw_map_walker_fn walker, const Answer &c, const std::string &xml) {
+    Request r(c.kind, c.oper_only);
+    ASSERT_EQ(r.run(walker, xml), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), c.output);
+    EXPECT_EQ(r.error_tag(), "");
+    r.expect_state_restored();
+}
+
 // ---- Native to OpenConfig ---------------------------------------------------------
 
 class NtpAnswer : public ::testing::TestWithParam<Answer> {};
 
 TEST_P(NtpAnswer, Output) {
-    const Answer &c = GetParam();
-    Request r(c.kind, c.oper_only);
-    ASSERT_EQ(r.run(kNtpCfg, native(c.input)), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), c.output);
-    r.expect_state_restored();
+    expect_mapped(kNtpCfg, GetParam(), native(GetParam().input));
 }
 
 const std::string kV4 = server("192.0.2.1");
@@ -177,12 +182,7 @@ TEST(NtpConversions, VersionAndTypeFallBackAndEmptyLeavesReadAsPresence) {
 class NtpEdit : public ::testing::TestWithParam<Answer> {};
 
 TEST_P(NtpEdit, Output) {
-    const Answer &c = GetParam();
-    Request r(c.kind, c.oper_only);
-    ASSERT_EQ(r.run(kSystem, oc(c.input)), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), c.output);
-    EXPECT_EQ(r.error_tag(), "");
-    r.expect_state_restored();
+    expect_mapped(kSystem, GetParam(), oc(GetParam().input));
 }
 
 const std::string kV6Peer = kVrf + "/peer-ipv6s/peer-ipv6[address-ipv6='2001:db8::1']";
