@@ -39,19 +39,27 @@ constexpr Target kAddress[] = {
     {"/ntp/peer-vrfs/peer-vrf/peer-ipv6s/peer-ipv6/address-ipv6", kNsNtp, 1},
 };
 
+// An entry being deleted whole: the walkers suppress its key checks.
+bool deleting_entry(const yfw_map_ctx *ctx) {
+    return ctx->state->walk_suppress != 0;
+}
+
 // The rows of the server's family; in a read both, and in KIND_GET also the
-// rows past the two families (the operational entry of the server list).
+// rows past the two families (the operational entry of the server list). A
+// delete that names no family, as that of a whole subtree, reaches both.
 cerrno select_rows(yfw_map_ctx *ctx, const char *fn, int32_t count, xpath_list_type_t *rows,
                    xpath_value_fn value_fn) {
     return framed(ctx, fn, rows != nullptr, [&] {
         Family only = Neither;
-        if (!read_kind(ctx)) {
+        bool both = read_kind(ctx);
+        if (!both) {
             char *address = nullptr;
             if (yfw_map_get_node_info(ctx, "/system/ntp/servers/server", "address", &address) !=
                 YFW_SUCCESS)
                 YFW_MAP_TRC(ctx, fn, "No server address in reach");
             only = family_of(address);
-            if (only == Neither)
+            both = only == Neither && deleting_entry(ctx);
+            if (only == Neither && !both)
                 return YFW_SUCCESS; // nothing to write; the address leaf refuses it
         }
         for (int32_t i = 0; i < count; ++i) {
@@ -134,6 +142,10 @@ cerrno oc_qv_server_address(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
         const Family f = family_of(node->value);
         if (f != Neither)
             return write_key(ctx, out_tree, kAddress[f], node, node->value);
+        // A delete of a whole subtree names no address: the entries go by the
+        // server list, with nothing to key here.
+        if (!read_kind(ctx) && yfw_map_is_request_delete(node))
+            return YFW_SUCCESS;
         if (!read_kind(ctx) && node->value != nullptr)
             return refuse(ctx, __func__, "NTP server address must be an IPv4 or IPv6 address");
         // A read names no family: both peer lists answer.

@@ -172,8 +172,7 @@ cerrno ymap_qo_ocsystem_tarvexqvaaatacacscfg_augment_lvla_server_groups(
 cerrno qv_oc_ntp_prefer(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno qv_oc_ntp_iburst(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
 cerrno qv_oc_server_list_call_back(yfw_map_ctx *ctx, int32_t count, xpath_list_type_t *rows);
-cerrno qv_oc_server_address(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
-                            tidl_yfw_datatree *out_tree);
+cerrno qv_oc_server_address(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree);
 
 #ifdef __cplusplus
 }
