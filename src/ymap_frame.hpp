@@ -51,6 +51,9 @@ namespace ymap {
 using ContMapperFn = cerrno (*)(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
                                 tidl_yfw_datatree *out_tree);
 using MapperFn = cerrno (*)(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree);
+// The companion libraries take the input node as const.
+using CompanionFn = cerrno (*)(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
+                               tidl_yfw_datatree *out_tree);
 using WalkerFn = yfw_map_walker_fn;
 
 inline uint32_t request_kind(const yfw_map_ctx *ctx) {
@@ -109,11 +112,12 @@ enum class ContForm : uint8_t {
     Hand,        // a hand-written function of (ctx, node, count, out_tree)
 };
 enum class ListForm : uint8_t {
-    Pass,     // nothing; success
-    Entry,    // one add of the entry
-    Stitched, // joined to an output list entry of another tree
-    Table,    // rows of an xpath list chosen by a callback
-    Hand,     // a hand-written function of (ctx, node, out_tree)
+    Pass,      // nothing; success
+    Entry,     // one add of the entry
+    Stitched,  // joined to an output list entry of another tree
+    Table,     // rows of an xpath list chosen by a callback
+    Hand,      // a hand-written function of (ctx, node, out_tree)
+    Companion, // a function of a companion library, of (ctx, const node, out_tree)
 };
 enum class LeafForm : uint8_t {
     None,        // accepted, with no counterpart
@@ -123,6 +127,7 @@ enum class LeafForm : uint8_t {
     Refuse,      // the tag is refused
     Table,       // rows of an xpath list chosen by a callback
     Hand,        // a hand-written function of (ctx, node, out_tree)
+    Companion,   // a function of a companion library, of (ctx, const node, out_tree)
 };
 
 // Row flags.
@@ -155,6 +160,7 @@ struct MapperRow {
     uint32_t component_count = 0;
     MapperFn hand = nullptr;
     ContMapperFn hand_count = nullptr;
+    CompanionFn companion = nullptr;
     const XpathTable *table = nullptr;
 };
 
@@ -187,6 +193,7 @@ consteval bool check_row(const MapperRow &row) {
         case ListForm::Table:
             return true; // the row macro takes the table
         case ListForm::Hand:
+        case ListForm::Companion:
             return true;
         }
         break;
@@ -208,6 +215,7 @@ consteval bool check_row(const MapperRow &row) {
         case LeafForm::Table:
             return true; // the row macro takes the table
         case LeafForm::Hand:
+        case LeafForm::Companion:
             return true;
         }
         break;

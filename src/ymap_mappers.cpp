@@ -126,6 +126,8 @@ cerrno list_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
         return run_list_table(*row.table, ctx, node, out_tree);
     case ListForm::Hand:
         return row.hand(ctx, node, out_tree);
+    case ListForm::Companion:
+        return row.companion(ctx, node, out_tree);
     }
     return YFW_SUCCESS; // not reached: every form is a case
 }
@@ -173,6 +175,8 @@ cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
         return run_leaf_table(*row.table, ctx, node, out_tree);
     case LeafForm::Hand:
         return row.hand(ctx, node, out_tree);
+    case LeafForm::Companion:
+        return row.companion(ctx, node, out_tree);
     }
     return YFW_SUCCESS; // not reached: every form is a case
 }

@@ -15,6 +15,7 @@
 #pragma once
 
 #include "ymap_frame.hpp"
+#include "ymap_companions.h"
 #include "ymap_namespaces.hpp"
 
 // The macros keep their hand alignment.
@@ -85,6 +86,11 @@
                                     .list_form = ::ymap::ListForm::Stitched, ns_, __VA_ARGS__)
 #define YMAP_LIST_HAND(lv_, node_, fn_) \
     YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(list, lv_, node_), List, .list_form = ::ymap::ListForm::Hand, fn_)
+// A function of a companion library (ymap_companions.h) that the generated
+// mapper calls inside its frame.
+#define YMAP_LIST_COMPANION(lv_, node_, fn_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, \
+                             .list_form = ::ymap::ListForm::Companion, .companion = &(fn_))
 #define YMAP_LIST_OWN(lv_, node_) \
     YMAP_DISPATCH(YMAP_NMAP_OWN)(YMAP_MAPPER(list, lv_, node_), List, .list_form = ::ymap::ListForm::Hand)
 #define YMAP_LIST_TABLE(lv_, node_, table_) \
@@ -104,6 +110,9 @@
                                     .leaf_form = ::ymap::LeafForm::FromXpath, ns_, __VA_ARGS__)
 #define YMAP_LEAF_HAND(lv_, node_, fn_) \
     YMAP_DISPATCH(YMAP_NMAP_HAND)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .leaf_form = ::ymap::LeafForm::Hand, fn_)
+#define YMAP_LEAF_COMPANION(lv_, node_, fn_) \
+    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
+                             .leaf_form = ::ymap::LeafForm::Companion, .companion = &(fn_))
 #define YMAP_LEAF_OWN(lv_, node_) \
     YMAP_DISPATCH(YMAP_NMAP_OWN)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .leaf_form = ::ymap::LeafForm::Hand)
 #define YMAP_LEAF_TABLE(lv_, node_, table_) \

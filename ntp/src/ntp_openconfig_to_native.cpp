@@ -80,27 +80,3 @@ YMAP_HAND(ymap_oq_ocsystem_openconfigsystem_leaf_lvla_system_config_iburst) {
 YMAP_HAND(ymap_oq_ocsystem_openconfigsystem_leaf_lvla_system_config_prefer) {
     return empty_leaf_option(ymap::xpath::oc_qv_ntp_prefer, ctx, node, out_tree);
 }
-
-// Leaves whose conversion lives in the NTP companion library. X(level, node,
-// companion function)
-#define NTP_COMPANION_LEAVES(X)                                                                    \
-    X(lvla, system_config_enabled, oc_qv_ntp_enabled)                                              \
-    X(lvla, system_state_enabled, oc_qv_ntp_enabled)                                               \
-    X(lvla, system_config_enablentpauth, oc_qv_ntp_auth_enabled)                                   \
-    X(lvla, system_state_enablentpauth, oc_qv_ntp_auth_enabled)                                    \
-    X(lvla, system_ntpkey_keyid, oc_qv_key_id)                                                     \
-    X(lvla, system_config_keyid, oc_qv_key_id)                                                     \
-    X(lvla, system_state_keyid, oc_qv_key_id)                                                      \
-    X(lvla, system_config_keytype, oc_qv_keytype)                                                  \
-    X(lvla, system_config_keyvalue, oc_qv_key_value)                                               \
-    X(lvla, system_state_keyvalue, oc_qv_key_value)                                                \
-    X(lvlb, system_server_address, oc_qv_server_address)                                           \
-    X(lvlb, system_config_address, oc_qv_server_address)                                           \
-    X(lvlb, system_state_address, oc_qv_server_address)                                            \
-    X(lvlb, system_config_port, oc_qv_port)
-
-#define NTP_VIA_COMPANION_(lv, node_, companion)                                                   \
-    YMAP_HAND(ymap_oq_ocsystem_openconfigsystem_leaf_##lv##_##node_) {                             \
-        return companion(ctx, node, out_tree);                                                     \
-    }
-NTP_COMPANION_LEAVES(NTP_VIA_COMPANION_)

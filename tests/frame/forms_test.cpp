@@ -73,6 +73,11 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"own_container_skips_a_read_with_its_children", kF, KIND_GET_CONFIG,
              f("<own><o/></own>"), ""},
         // Leaves
+        Case{"companion_leaf_writes_its_own_native_path", kF, KIND_EDIT_A,
+             f("<hand><c>30</c></hand>"),
+             kNtp + "\n" + kNtp + "/passive = \"named\"\n/Tarvex-QV-crypto-ssh-cfg:ssh\n" +
+                 "/Tarvex-QV-crypto-ssh-cfg:ssh/server\n" +
+                 "/Tarvex-QV-crypto-ssh-cfg:ssh/server/timeout = \"30\"\n"},
         Case{"duck_leaf_of_a_passing_module_accepts", kF, KIND_EDIT_A, f("<hand><d>1</d></hand>"),
              kNtp + "\n" + kNtp + "/passive = \"named\"\n"},
         Case{"own_leaf_in_an_edit", kF, KIND_EDIT_A, f("<own><o>2</o></own>"),
