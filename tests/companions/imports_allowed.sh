@@ -35,6 +35,13 @@ for list in contract companion callback; do
     [ -s "$tmp/$list" ] || { echo "no $list functions found in the headers"; exit 2; }
 done
 
+# What the C and C++ runtime libraries export: a sanitizing build imports some
+# of their names unversioned, as its runtime intercepts them.
+for lib in libc.so.6 libm.so.6 libstdc++.so.6 libgcc_s.so.1; do
+    path=$("${CC:-cc}" -print-file-name="$lib")
+    [ -f "$path" ] && nm -D --defined-only "$path" | awk '{ sub(/@.*/, "", $NF); print $NF }'
+done | sort -u >"$tmp/runtime"
+
 # Undefined names of LIBRARY outside the named lists and the runtime.
 outside() {
     nm -D --undefined-only "$1" | awk '
@@ -43,7 +50,7 @@ outside() {
         $NF ~ /^__(asan|ubsan|lsan|sanitizer)_/ { next }   # sanitizer runtime
         { print $NF }' | sort -u >"$tmp/imports"
     shift
-    for list; do cat "$tmp/$list"; done | sort -u >"$tmp/allowed"
+    for list; do cat "$tmp/$list"; done | cat - "$tmp/runtime" | sort -u >"$tmp/allowed"
     comm -23 "$tmp/imports" "$tmp/allowed"
 }
 
