@@ -49,18 +49,19 @@ cerrno to_low_bool(const LowBool &b, const char *name, yfw_map_ctx *ctx, tidl_yf
                    tidl_yfw_datatree *out_tree) {
     if (read_kind(ctx))
         return ymap::add_value(ctx, out_tree, b.path, NS_MAN_EMS_CFG, node->value);
+    // A delete names the leaf without a value.
     const char *path = b.path;
-    if (yfw_map_is_request_delete(node)) {
-        // named without a value
-    } else if (ymap::text_equal(node->value, b.keep_value)) {
-        YFW_MAP_TRC(ctx, name, "%s", b.keep_msg);
-    } else if (ymap::text_equal(node->value, b.remove_value)) {
-        YFW_MAP_TRC(ctx, name, "%s", b.remove_msg);
-        yfw_dt_set_operation(node, OP_REMOVE);
-        path = b.remove_path;
-    } else {
-        YFW_MAP_ERR(ctx, name, "%s", b.bad_msg);
-        return YFW_SUCCESS;
+    if (!yfw_map_is_request_delete(node)) {
+        if (ymap::text_equal(node->value, b.keep_value)) {
+            YFW_MAP_TRC(ctx, name, "%s", b.keep_msg);
+        } else if (ymap::text_equal(node->value, b.remove_value)) {
+            YFW_MAP_TRC(ctx, name, "%s", b.remove_msg);
+            yfw_dt_set_operation(node, OP_REMOVE);
+            path = b.remove_path;
+        } else {
+            YFW_MAP_ERR(ctx, name, "%s", b.bad_msg);
+            return YFW_SUCCESS;
+        }
     }
     return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, NS_MAN_EMS_CFG, nullptr, node,
                                              nullptr, 0, 0);
