@@ -7,7 +7,8 @@
 //
 // Input layout, one byte each, reads past the end give 0:
 //   header   bits 0-2 request kind, 3 oper_only, 4 debug log, 5 ring trace,
-//            6 print_data after the walk
+//            6 print_data after the walk, 7 a system database whose
+//            running gRPC server is named "router1"
 //   walker   (mod 24) 0-3 the OpenConfig root, 4-23 the native root of
 //            each registration in order
 //   node     tag (0 at the root: the walker's own root tag; 0xff: none),
@@ -205,6 +206,15 @@ constexpr auto kTags = std::to_array<std::string_view>({
     "stratum",
     "root-delay",
     "offset",
+    "transport-security",
+    "certificate-id",
+    "no-tls",
+    "services",
+    "listen-addresses",
+    "metadata-authentication",
+    "network-instance",
+    "tls-cipher",
+    "tunnel",
     "data",
     "filter",
     "unknown",
@@ -267,6 +277,7 @@ constexpr auto kValues = std::to_array<std::string_view>({
     "\xc3\xa9t\xc3\xa9",
     "0123456789abcdef0123456789abcdef0123456789abcdef0123456789abcdef",
     "2001:db8::1",
+    "DEFAULT",
 });
 
 class Bytes {
@@ -414,6 +425,7 @@ bool known_status(cerrno status) {
     case YFW_ERR_KEY_DELETE:
     case YFW_ERR_BAD_VALUE:
     case YFW_ERR_UNSUPPORTED_AUGMENT:
+    case static_cast<cerrno>(-1): // a gRPC server name refused
         return true;
     default:
         return false; // YFW_MAP_SKIP_NODE included: walkers turn it into success
@@ -425,6 +437,12 @@ void walk_once(Bytes &bytes) {
     const uint32_t kind = kKinds[(header & 7) % kKinds.size()];
     const Root root = pick_root(bytes.next());
 
+    yfw::sysdb::clear();
+    if ((header & 0x80) != 0) {
+        yfw::sysdb::set_present(true);
+        yfw::sysdb::set_item("/cfg/gl/ems/ord_A/grpc/running", "");
+        yfw::sysdb::set_item("/cfg/gl/ems/ord_A/grpc/name", "router1");
+    }
     yfw::Session session(kind, (header & 0x08) != 0);
     session.set_debug_log((header & 0x10) != 0);
     session.set_ring_trace((header & 0x20) != 0);
