@@ -128,6 +128,15 @@ cerrno oc_method(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
             }
             return rc;
         }
+        // With no value the slot is unknown: every numbered leaf is named, so
+        // the call follows the three-way rule and never fails.
+        if (node->value == nullptr) {
+            cerrno rc = YFW_SUCCESS;
+            for (int n = 1; n <= kSlots; ++n)
+                for (const char *leaf : {"/method", "/server-group-name"})
+                    rc = add(ctx, out, {Path(s.entry, leaf, n), kNsAaaLib}, nullptr, node);
+            return rc;
+        }
         // A known method is a method word; anything else names a server group.
         const Word *known = node->value != nullptr ? by_oc(kMethods, node->value) : nullptr;
         const char *value = known != nullptr ? known->native : node->value;
@@ -323,13 +332,15 @@ extern "C" {
 
 // ---- Roots ------------------------------------------------------------------------
 
-// The native root is never written: deleting it would take the users and
-// server groups of the augmenting modules along.
+// The native root is added bare in every kind, so that every AAA request has
+// one output root; it never carries the request's operation, since deleting it
+// would take the users and server groups of the augmenting modules along.
 cerrno oc_aaa(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
               tidl_yfw_datatree *out_tree) {
     (void)count;
-    return framed(ctx, __func__, node != nullptr && out_tree != nullptr,
-                  [] { return YFW_SUCCESS; });
+    return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
+        return add(ctx, out_tree, {"/aaa", kNsAaaLib}, nullptr, nullptr);
+    });
 }
 
 cerrno qv_aaa(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
