@@ -133,15 +133,6 @@ cerrno oc_method(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
             }
             return rc;
         }
-        // With no value the slot is unknown: every numbered leaf is named, so
-        // the call follows the three-way rule and never fails.
-        if (text(node->value).empty()) {
-            cerrno rc = YFW_SUCCESS;
-            for (int n = 1; n <= kSlots; ++n)
-                for (const char *leaf : {"/method", "/server-group-name"})
-                    rc = add(ctx, out, {Path(s.entry, leaf, n), kNsAaaLib}, nullptr, node);
-            return rc;
-        }
         // A known method is a method word; anything else names a server group.
         const Word *known = node->value != nullptr ? by_oc(kMethods, node->value) : nullptr;
         const char *value = known != nullptr ? known->native : node->value;

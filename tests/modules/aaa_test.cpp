@@ -141,10 +141,7 @@ INSTANTIATE_TEST_SUITE_P(
              aaa("<authorization nc:operation=\"delete\"/>"),
              kLib + "\n" + kLib + "/authorizations @delete\n" +
                  under(kAuthz, {"", "/type = \"commands\"", "/listname = \"default\"",
-                                "/method1 @remove", "/server-group-name1 @remove",
-                                "/method2 @remove", "/server-group-name2 @remove",
-                                "/method3 @remove", "/server-group-name3 @remove",
-                                "/method4 @remove", "/server-group-name4 @remove"})},
+                                "/server-group-name1 @remove"})},
         Case{"events_become_the_type_of_the_services_entry", KIND_EDIT_A, false, kSystem,
              aaa("<accounting><events><event><event-type>AAA_ACCOUNTING_EVENT_LOGIN</event-type>"
                  "<config><event-type>AAA_ACCOUNTING_EVENT_LOGIN</event-type><record>STOP"
