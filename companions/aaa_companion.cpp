@@ -22,6 +22,11 @@ const tidl_yfw_datatree *child(const tidl_yfw_datatree *node, std::string_view t
             return &c;
     return nullptr;
 }
+// A write whose key node has no value names no entry: a walk-all pass hands
+// a key's companion the enclosing container, which has none.
+bool names_no_entry(yfw_map_ctx *ctx, const tidl_yfw_datatree *node) {
+    return !read_kind(ctx) && text(node->value).empty();
+}
 const char *key_of(yfw_map_ctx *ctx, const char *list_path, const char *key) {
     char *value = nullptr;
     return yfw_map_get_node_info(ctx, list_path, key, &value) == YFW_SUCCESS ? value : nullptr;
@@ -175,6 +180,8 @@ cerrno oc_event(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
         const bool is_entry = text(node->tag) == "event";
         const char *event = is_entry ? key_of(ctx, s.oc_events, "event-type") : node->value;
         const char *type = event != nullptr ? to_native_word(s.events, event) : nullptr;
+        if (names_no_entry(ctx, node) && text(type).empty())
+            return YFW_SUCCESS;
         return open_entry(ctx, out, s, type, is_entry && !read_kind(ctx) ? node : nullptr);
     });
 }
@@ -243,6 +250,8 @@ Native clear_key_type(const char *) {
 cerrno oc_key(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
               tidl_yfw_datatree *out, const char *path, const char *ns) {
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
+        if (names_no_entry(ctx, node))
+            return YFW_SUCCESS;
         return write_key(ctx, out, {path, ns, 1, 1}, node, node->value);
     });
 }
@@ -323,13 +332,15 @@ extern "C" {
 
 // ---- Roots ------------------------------------------------------------------------
 
-// The native root is never written: deleting it would take the users and
-// server groups of the augmenting modules along.
+// The native root is added bare in every kind, so that every AAA request has
+// one output root; it never carries the request's operation, since deleting it
+// would take the users and server groups of the augmenting modules along.
 cerrno oc_aaa(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
               tidl_yfw_datatree *out_tree) {
     (void)count;
-    return framed(ctx, __func__, node != nullptr && out_tree != nullptr,
-                  [] { return YFW_SUCCESS; });
+    return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
+        return add(ctx, out_tree, {"/aaa", kNsAaaLib}, nullptr, nullptr);
+    });
 }
 
 cerrno qv_aaa(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
@@ -342,12 +353,15 @@ cerrno qv_server_groups(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t coun
     return hand_over(ctx, __func__, node, count, out_tree, kServerGroupAugments);
 }
 
-// With children the container is written; bare, only a delete names it.
+// With children, or in a read, the container is written; bare in a write,
+// only a delete names it.
 cerrno oc_server_groups(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
                         tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
         const Target groups{"/aaa/server-groups", kNsLocald, 0, 1};
-        if (count != 0)
+        // A read of the bare container selects it; the groups below must not
+        // bring it in under another module.
+        if (count != 0 || read_kind(ctx))
             return add(ctx, out_tree, groups, nullptr, nullptr);
         if (!read_kind(ctx) && yfw_map_is_request_delete(node))
             return add(ctx, out_tree, groups, nullptr, node);
@@ -423,8 +437,11 @@ cerrno qv_type_qv(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_data
 cerrno oc_name_orderingIndex(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                              tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
+        if (names_no_entry(ctx, node))
+            return YFW_SUCCESS;
+        // A read selects the user by name, whatever index the device gave it.
         write_key(ctx, out_tree, {Path(kUser, "/ordering-index"), kNsLocald, 1, 1}, node,
-                  kUserOrderingIndex);
+                  read_kind(ctx) ? nullptr : kUserOrderingIndex);
         return write_key(ctx, out_tree, {Path(kUser, "/name"), kNsLocald, 1, 1}, node, node->value);
     });
 }
@@ -477,6 +494,8 @@ cerrno qv_authen_user_role(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
 // The group's name is its native key; only TACACS groups have a native home.
 cerrno oc_serverType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
+        if (text(node->tag) != "type" && names_no_entry(ctx, node))
+            return YFW_SUCCESS;
         if (text(node->tag) != "type")
             return write_key(ctx, out_tree, {Path(kGroup, "/server-group-name"), kNsTacacs, 1, 1},
                              node, node->value);
