@@ -205,6 +205,29 @@ constexpr auto kTags = std::to_array<std::string_view>({
     "stratum",
     "root-delay",
     "offset",
+    "protocol-version",
+    "timeout",
+    "rate-limit",
+    "session-limit",
+    "vrf-table",
+    "v2",
+    "client",
+    "backup-server",
+    "netconf-vrf-table",
+    "usernames",
+    "username",
+    "server-algo",
+    "trustpoint",
+    "usertps",
+    "usertp",
+    "tp-name",
+    "tinetd",
+    "services",
+    "telnet",
+    "tftp",
+    "tcp",
+    "udp",
+    "maximum-server",
     "data",
     "filter",
     "unknown",
@@ -220,7 +243,7 @@ constexpr auto kTags = std::to_array<std::string_view>({
 });
 
 // Namespaces a node can name instead of its parent's; null means none at all.
-constexpr std::array<const char *, 11> kNamespaces = {
+constexpr std::array<const char *, 12> kNamespaces = {
     "http://openconfig.net/yang/system",
     "http://openconfig.net/yang/system-grpc",
     "http://openconfig.net/yang/alarms",
@@ -230,6 +253,7 @@ constexpr std::array<const char *, 11> kNamespaces = {
     "http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-oc-system-oper",
     "http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-ocsystem-cpu-oper",
     "http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-alarm-mgr-oc-oper",
+    "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-terminal-ext",
     "http://tarvex.local/ns/yang/Tarvex-QV-unknown-cfg",
     nullptr,
 };
