@@ -113,9 +113,12 @@ constexpr std::array kLists = {
     ListRow{"/ssh/server/vrf-table/vrf",                                          {"vrf-name"}},
     ListRow{"/ssh/server/netconf-vrf-table/vrf",                                  {"vrf-name"}},
     ListRow{"/ssh/server/trustpoint/usertps/usertp",                              {"tp-name"}},
+    ListRow{"/ssh/server/usernames/username",                                     {"name"}},
     // Tarvex-QV-ip-tcp-cfg
     ListRow{"/ip/tinetd/services/telnet/vrfs/vrf",                                {"vrf-name"}},
     ListRow{"/ip/tinetd/services/tftp/vrfs/vrf",                                  {"vrf-name"}},
+    ListRow{"/ip-tcp/ao/keychains/keychain",                                      {"name"}},
+    ListRow{"/ip-tcp/ao/keychains/keychain/keys/key",                             {"key-id"}},
     // Tarvex-QV-PRIVATE-octelnet-oper
     ListRow{"/octelnet/system/telnet-server/ipv4s/ipv4",                          {"vrf-name"}},
     ListRow{"/octelnet/system/telnet-server/ipv6s/ipv6",                          {"vrf-name"}},
