@@ -134,9 +134,14 @@
                              fl_, nullptr, &YMAP_MAPPER(list, lv_, node_), list_path_, keys_,   \
                              __VA_ARGS__)
 #define YMAP_AUGMENT_WALKER(lv_, node_, fl_, aug_, ...)                                       \
-    YMAP_DISPATCH(YMAP_WALK)(YMAP_AUGMENT(lv_, node_),                                      \
-                             YMAP_PASTE(YMAP_AUGMENT(lv_, node_), _parse_augments), aug_,    \
-                             Augment, fl_, nullptr, nullptr, nullptr, (), __VA_ARGS__)
+    YMAP_AUGMENT_WALKER_PARSED_BY(lv_, node_, fl_, aug_,                                      \
+                                  YMAP_PASTE(YMAP_AUGMENT(lv_, node_), _parse_augments),      \
+                                  __VA_ARGS__)
+// An augment walker whose augment parser bears another name, such as that of
+// the augmented node's walker.
+#define YMAP_AUGMENT_WALKER_PARSED_BY(lv_, node_, fl_, aug_, parser_, ...)                    \
+    YMAP_DISPATCH(YMAP_WALK)(YMAP_AUGMENT(lv_, node_), parser_, aug_, Augment, fl_, nullptr, \
+                             nullptr, nullptr, (), __VA_ARGS__)
 
 // Walkers whose node has no mapper of its own use a catch-all mapper.
 #define YMAP_LEAF_WALKER_WITH(lv_, node_, mapper_fn_) \
