@@ -2,8 +2,10 @@
 // written as XML, the output read back as `paths` text.
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -86,6 +88,48 @@ private:
     yfw::Session session_;
 };
 
+// Walks `xml` with `walker` and expects success, exactly `want` as output,
+// and the walk state put back.
+inline void expect_walk(yfw_map_walker_fn walker, uint32_t kind, std::string_view xml,
+                        std::string_view want, bool oper_only = false) {
+    Request r(kind, oper_only);
+    ASSERT_EQ(r.run(walker, xml), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), want);
+    r.expect_state_restored();
+}
+
+// Names the cases of a parameterised suite by their `name` member.
+inline constexpr auto case_name = [](const auto &info) { return std::string(info.param.name); };
+
+// Each item, one per line.
+inline std::string lines(std::initializer_list<std::string_view> items) {
+    std::string out;
+    for (std::string_view l : items)
+        out.append(l).append("\n");
+    return out;
+}
+
+// `prefix` followed by each tail, one per line.
+inline std::string under(std::string_view prefix, std::initializer_list<std::string_view> tails) {
+    std::string out;
+    for (std::string_view t : tails)
+        out.append(prefix).append(t).append("\n");
+    return out;
+}
+
+// The lines a walk writes down to `path`: every ancestor, then the path. A
+// slash inside a key predicate does not split.
+inline std::string chain(std::string_view path) {
+    std::string out;
+    int depth = 0;
+    for (std::size_t i = 1; i < path.size(); ++i) {
+        depth += path[i] == '[' ? 1 : path[i] == ']' ? -1 : 0;
+        if (path[i] == '/' && depth == 0)
+            out.append(path.substr(0, i)).append("\n");
+    }
+    return out.append(path).append("\n");
+}
+
 // How a refused request is reported: the status, the tag kept for the answer,
 // the error path, and the error line of the debug log (for YFW_ERR_BAD_VALUE,
 // the error message). An empty text means none is kept.
@@ -94,6 +138,15 @@ struct Refusal {
     std::string tag = "";
     std::string path = "";
     std::string message = "";
+};
+
+// One refused request of a table.
+struct Refused {
+    const char *name;
+    uint32_t kind;
+    std::string request;
+    Refusal refusal;
+    friend void PrintTo(const Refused &c, std::ostream *os) { *os << c.name; }
 };
 
 inline void expect_refused(Request &r, cerrno got, const Refusal &want) {
