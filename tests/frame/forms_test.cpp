@@ -41,13 +41,10 @@ TEST_P(Forms, Output) {
 
 const std::string kNtp = "/Tarvex-QV-ip-ntp-cfg:ntp";
 const std::string kKey = kNtp + "/authentication/keys/key[key-number='1']";
-const std::string kKeys =
-    kNtp + "\n" + kNtp + "/authentication\n" + kNtp + "/authentication/keys\n";
+const std::string kKeys = test::chain(kNtp + "/authentication/keys");
 const std::string kPeer = kNtp + "/peer-vrfs/peer-vrf[vrf-name='default']";
-const std::string kHostName = "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem\n"
-                              "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system\n"
-                              "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state\n"
-                              "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state/host-name\n";
+const std::string kHostName =
+    test::chain("/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state/host-name");
 const std::string kSys = "/openconfig-system:system";
 
 INSTANTIATE_TEST_SUITE_P(
@@ -61,8 +58,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"from_xpath_adds_nothing_in_an_edit", kF, KIND_EDIT_A, f("<pick><s>x</s></pick>"), ""},
         Case{"mapped_with_children_adds_target_and_fixed_key", kF, KIND_EDIT_A,
              f("<peers><t>5</t></peers>"),
-             kNtp + "\n" + kNtp + "/peer-vrfs\n" + kPeer + "\n" + kPeer +
-                 "/vrf-name = \"default\"\n" + kNtp + "/max-associations = \"5\"\n"},
+             test::chain(kPeer) + kPeer + "/vrf-name = \"default\"\n" + kNtp +
+                 "/max-associations = \"5\"\n"},
         Case{"mapped_bare_delete_deletes_target_and_walks_leaves", kF, KIND_EDIT_A,
              f("<peers nc:operation=\"delete\"/>"),
              kNtp + "\n" + kNtp + "/peer-vrfs\n" + kPeer + " @delete\n" + kPeer +
@@ -75,8 +72,8 @@ INSTANTIATE_TEST_SUITE_P(
         // Leaves
         Case{"companion_leaf_writes_its_own_native_path", kF, KIND_EDIT_A,
              f("<hand><c>30</c></hand>"),
-             kNtp + "\n" + kNtp + "/passive = \"named\"\n/Tarvex-QV-crypto-ssh-cfg:ssh\n" +
-                 "/Tarvex-QV-crypto-ssh-cfg:ssh/server\n" +
+             kNtp + "\n" + kNtp + "/passive = \"named\"\n" +
+                 test::chain("/Tarvex-QV-crypto-ssh-cfg:ssh/server") +
                  "/Tarvex-QV-crypto-ssh-cfg:ssh/server/timeout = \"30\"\n"},
         Case{"duck_leaf_of_a_passing_module_accepts", kF, KIND_EDIT_A, f("<hand><d>1</d></hand>"),
              kNtp + "\n" + kNtp + "/passive = \"named\"\n"},
@@ -92,16 +89,14 @@ INSTANTIATE_TEST_SUITE_P(
              kKeys + kNtp + "/authentication/keys/key @delete\n" + kNtp +
                  "/authentication/keys/key/key-number @delete\n"},
         Case{"list_table_read_takes_the_first_row", kF, KIND_GET_CONFIG, f("<l3><k/></l3>"),
-             kKeys + kNtp + "/authentication/keys/key\n" + kNtp +
-                 "/authentication/keys/key/key-number\n"},
+             test::chain(kNtp + "/authentication/keys/key/key-number")},
         Case{"list_table_edit_takes_the_second_row", kF, KIND_EDIT_A, f("<l3><k>1</k></l3>"),
              kNtp + "\n" + kNtp + "/peer-vrfs\n" + kNtp + "/peer-vrfs/peer-vrf\n" + kNtp +
                  "/authentication\n" + kNtp + "/authentication/keys\n" + kKey + "\n" + kKey +
                  "/key-number = \"1\"\n"},
         Case{"own_list_mapper_skips_the_entry", kF, KIND_EDIT_A, f("<l4><k>1</k></l4>"), ""},
         Case{"duck_list_walks_its_children", kF, KIND_GET, f("<l5><k/></l5>"),
-             kKeys + kNtp + "/authentication/keys/key\n" + kNtp +
-                 "/authentication/keys/key/key-number\n"},
+             test::chain(kNtp + "/authentication/keys/key/key-number")},
         // Walkers
         Case{"unmatched_own_tag_at_a_root_goes_to_the_augment_parser", kF, KIND_EDIT_A,
              f("<zz>1</zz>"), "", YFW_ERR_UNSUPPORTED_AUGMENT},
@@ -110,17 +105,13 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"walked_as_openconfig_ignores_its_own_unknown_tags",
              &ymap_qo_ocsystem_testforms_lvla_n_vrf, KIND_EDIT_A,
              "<vrf xmlns=\"urn:test:formsqo\"><name>red</name><zz>1</zz></vrf>",
-             "/Tarvex-QV-ip-tcp-cfg:ip\n/Tarvex-QV-ip-tcp-cfg:ip/tinetd\n"
-             "/Tarvex-QV-ip-tcp-cfg:ip/tinetd/services\n"
-             "/Tarvex-QV-ip-tcp-cfg:ip/tinetd/services/telnet\n"
-             "/Tarvex-QV-ip-tcp-cfg:ip/tinetd/services/telnet/vrfs\n"
-             "/Tarvex-QV-ip-tcp-cfg:ip/tinetd/services/telnet/vrfs/vrf\n"},
+             test::chain("/Tarvex-QV-ip-tcp-cfg:ip/tinetd/services/telnet/vrfs/vrf")},
         Case{"walked_as_openconfig_demands_keys", &ymap_qo_ocsystem_testforms_lvla_n_vrf,
              KIND_EDIT_A, "<vrf xmlns=\"urn:test:formsqo\"/>", "", YFW_ERR_BAD_TREE},
         // The native side
         Case{"config_and_state_in_get", kN, KIND_GET, n("<cs>r1</cs>"),
-             kSys + "\n" + kSys + "/config\n" + kSys + "/config/hostname = \"r1\"\n" + kSys +
-                 "/state\n" + kSys + "/state/hostname = \"r1\"\n"},
+             test::under(kSys, {"", "/config", "/config/hostname = \"r1\"", "/state",
+                                "/state/hostname = \"r1\""})},
         Case{"config_and_state_oper_only", kN, KIND_GET, n("<cs>r1</cs>"),
              kSys + "\n" + kSys + "/state\n" + kSys + "/state/hostname = \"r1\"\n", YFW_SUCCESS,
              true},
@@ -128,12 +119,12 @@ INSTANTIATE_TEST_SUITE_P(
              kSys + "\n" + kSys + "/config\n" + kSys + "/config/domain-name = \"d\"\n"},
         Case{"unless_oper_only_drops_it", kN, KIND_GET, n("<oo>d</oo>"), "", YFW_SUCCESS, true},
         Case{"stitched_list", kN, KIND_GET, n("<e><index>0</index></e>"),
-             kSys + "\n" + kSys + "/cpus\n" + kSys + "/cpus/cpu[index='0']\n" + kSys +
+             test::chain(kSys + "/cpus/cpu[index='0']") + kSys +
                  "/cpus/cpu[index='0']/index = \"0\"\n"},
         Case{"get_only_children_outside_get", kN, KIND_GET_CONFIG, n("<g><v>x</v></g>"), ""},
         Case{"get_only_children_in_get", kN, KIND_GET, n("<g><v>x</v></g>"),
              kSys + "\n" + kSys + "/state\n" + kSys + "/state/motd-banner = \"x\"\n"}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 TEST(Forms, RefusalsReportTagPathAndMessage) {
     Request leaf(KIND_EDIT_A);

@@ -6,7 +6,9 @@
 
 namespace {
 
+using test::chain;
 using test::Request;
+using test::under;
 
 constexpr auto kTop = &ymap_oq_ocsystem_testmod_lvla_top;
 
@@ -15,19 +17,23 @@ std::string top(std::string_view body, std::string_view attrs = "") {
            std::string(attrs) + ">" + std::string(body) + "</top>";
 }
 
-const char kClock[] = "/Tarvex-QV-infra-infra-clock-linux-cfg:clock";
-const char kBanners[] = "/Tarvex-QV-infra-infra-cfg:banners";
+const std::string kClock = "/Tarvex-QV-infra-infra-clock-linux-cfg:clock";
+const std::string kBanners = "/Tarvex-QV-infra-infra-cfg:banners";
+const std::string kArea = chain(kClock + "/time-zone/area-name");
+std::string banner(std::string_view name, std::string_view text) {
+    return under(kBanners + "/banner[banner-name='" + std::string(name) + "']",
+                 {"", "/banner-name = \"" + std::string(name) + "\"",
+                  "/banner-text = \"" + std::string(text) + "\""});
+}
 
 TEST(OqWalker, GetOfAnEmptyRootVisitsEveryChildOnceStateOnlyLast) {
     Request r(KIND_GET);
     ASSERT_EQ(r.run(kTop, "<top xmlns=\"urn:test:oq\"/>"), YFW_SUCCESS);
     // conf, then lst named bare (key, conf), then the state-only st.
-    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
-                             "/time-zone/area-name\n" + kClock + "/time-zone/time-zone-name\n" +
-                             kClock + "/tags\n" + kBanners + "\n" + kBanners + "/banner\n" +
-                             kBanners + "/banner/banner-name\n" + kBanners +
-                             "/banner/banner-text\n" + "/Tarvex-QV-shellutil-cfg:host-names\n" +
-                             "/Tarvex-QV-shellutil-cfg:host-names/host-name\n");
+    EXPECT_EQ(r.paths(), kArea + under(kClock, {"/time-zone/time-zone-name", "/tags"}) +
+                             chain(kBanners + "/banner/banner-name") + kBanners +
+                             "/banner/banner-text\n" +
+                             chain("/Tarvex-QV-shellutil-cfg:host-names/host-name"));
     r.expect_state_restored();
 }
 
@@ -44,8 +50,7 @@ TEST(OqWalker, GetConfigLeavesStateOnlyChildrenOut) {
 TEST(OqWalker, SelectionLeavesMapOnlyWhatIsNamed) {
     Request r(KIND_GET_CONFIG);
     ASSERT_EQ(r.run(kTop, top("<config><x/></config>")), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
-                             "/time-zone/area-name\n");
+    EXPECT_EQ(r.paths(), kArea);
     EXPECT_EQ(r.state()->filter_flags & YFW_MAP_FILTER_CONTENT_SEEN, 0u);
     r.expect_state_restored();
 }
@@ -54,9 +59,9 @@ TEST(OqWalker, ContentMatchAloneExpandsTheContainer) {
     Request r(KIND_GET_CONFIG);
     ASSERT_EQ(r.run(kTop, top("<config><x>Europe</x></config>")), YFW_SUCCESS);
     // The filter value goes out, and the walk-all pass selects every leaf.
-    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
-                             "/time-zone/area-name = \"Europe\"\n" + kClock +
-                             "/time-zone/time-zone-name\n" + kClock + "/tags\n");
+    EXPECT_EQ(r.paths(),
+              chain(kClock + "/time-zone") + under(kClock, {"/time-zone/area-name = \"Europe\"",
+                                                            "/time-zone/time-zone-name", "/tags"}));
     EXPECT_NE(r.state()->filter_flags & YFW_MAP_FILTER_CONTENT_SEEN, 0u);
     EXPECT_EQ(r.state()->filter_flags & YFW_MAP_FILTER_EXPAND, 0u);
     r.expect_state_restored();
@@ -66,9 +71,9 @@ TEST(OqWalker, ContentMatchWithASelectionLeafDoesNotExpand) {
     Request r(KIND_GET_CONFIG);
     tidl_yfw_datatree *in = r.input(top("<config><x>Europe</x><y/></config>"));
     ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
-                             "/time-zone/area-name = \"Europe\"\n" + kClock +
-                             "/time-zone/time-zone-name\n");
+    EXPECT_EQ(r.paths(),
+              chain(kClock + "/time-zone") + under(kClock, {"/time-zone/area-name = \"Europe\"",
+                                                            "/time-zone/time-zone-name"}));
     const tidl_yfw_datatree &conf = in->subtrees[0];
     EXPECT_EQ(conf.node_kind, NODE_CONTAINER);
     EXPECT_EQ(conf.subtrees[0].node_kind, NODE_CONTENT_MATCH);
@@ -90,9 +95,9 @@ TEST(OqWalker, BareDeleteWalksEveryLeafAsARemoval) {
     Request r(KIND_EDIT_A);
     tidl_yfw_datatree *in = r.input(top("<config nc:operation=\"delete\"/>"));
     ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
-                             "/time-zone/area-name @remove\n" + kClock +
-                             "/time-zone/time-zone-name @remove\n" + kClock + "/tags @remove\n");
+    EXPECT_EQ(r.paths(), chain(kClock + "/time-zone") +
+                             under(kClock, {"/time-zone/area-name @remove",
+                                            "/time-zone/time-zone-name @remove", "/tags @remove"}));
     EXPECT_EQ(in->subtrees[0].operation, OP_DELETE); // lowered for the pass, then put back
     r.expect_state_restored();
 }
@@ -102,9 +107,9 @@ TEST(OqWalker, ReplaceIsADeleteOfEveryLeafThenAMerge) {
     tidl_yfw_datatree *in = r.input(top("<config nc:operation=\"replace\"><x>Asia</x></config>"));
     ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
     // y was removed by the delete pass; x was removed, then merged with its value.
-    EXPECT_EQ(r.paths(), std::string(kClock) + "\n" + kClock + "/time-zone\n" + kClock +
-                             "/time-zone/area-name = \"Asia\" @merge\n" + kClock +
-                             "/time-zone/time-zone-name @remove\n" + kClock + "/tags @remove\n");
+    EXPECT_EQ(r.paths(), chain(kClock + "/time-zone") +
+                             under(kClock, {"/time-zone/area-name = \"Asia\" @merge",
+                                            "/time-zone/time-zone-name @remove", "/tags @remove"}));
     const tidl_yfw_datatree &conf = in->subtrees[0];
     EXPECT_EQ(conf.operation, OP_MERGE);
     EXPECT_EQ(conf.subtree_count, 1u);
@@ -178,8 +183,7 @@ TEST(OqWalker, LeafListValuesAreMarkedAndTouchNoFilterFlag) {
     EXPECT_EQ(config.subtrees[0].node_kind, NODE_LEAF_LIST);
     EXPECT_EQ(config.subtrees[1].node_kind, NODE_LEAF_LIST);
     EXPECT_EQ(r.state()->filter_flags & YFW_MAP_FILTER_CONTENT_SEEN, 0u);
-    EXPECT_EQ(r.paths(),
-              std::string(kClock) + "\n" + kClock + "/tags = \"a\"\n" + kClock + "/tags = \"b\"\n");
+    EXPECT_EQ(r.paths(), under(kClock, {"", "/tags = \"a\"", "/tags = \"b\""}));
 }
 
 // ---- Lists --------------------------------------------------------------------
@@ -259,19 +263,14 @@ INSTANTIATE_TEST_SUITE_P(
                 "<lst><name>a</name><state/></lst>",
                 {YFW_ERR_UNSUPPORTED_TAG, "state", "/urn:test:oq:top/lst",
                  "Unsupported tag is specified in the request."}}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 TEST(OqListWalker, EditCarriesKeyAndContentIntoTheOutputEntry) {
     Request r(KIND_EDIT_A);
     ASSERT_EQ(r.run(kTop, top("<lst><name>motd</name><config><text>hi</text></config></lst>"
                               "<lst><name>login</name><config><text>yo</text></config></lst>")),
               YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners + "/banner[banner-name='motd']\n" +
-                             kBanners + "/banner[banner-name='motd']/banner-name = \"motd\"\n" +
-                             kBanners + "/banner[banner-name='motd']/banner-text = \"hi\"\n" +
-                             kBanners + "/banner[banner-name='login']\n" + kBanners +
-                             "/banner[banner-name='login']/banner-name = \"login\"\n" + kBanners +
-                             "/banner[banner-name='login']/banner-text = \"yo\"\n");
+    EXPECT_EQ(r.paths(), kBanners + "\n" + banner("motd", "hi") + banner("login", "yo"));
     EXPECT_EQ(r.ctx()->list_op, 0u);
     r.expect_state_restored();
 }
@@ -286,9 +285,9 @@ TEST(OqListWalker, KeysOnlyDeleteRunsTheMapperWithSuppressTwoThenWalksTheEntryWh
     EXPECT_EQ(r.ctx()->list_op, (uint32_t)OP_DELETE);
     // The entry goes, and its content is named for removal. The key leaf is
     // under the delete too, so by the three-way rule it names no value.
-    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners + "/banner @delete\n" + kBanners +
-                             "/banner/banner-name @delete\n" + kBanners +
-                             "/banner/banner-text @remove\n");
+    EXPECT_EQ(r.paths(), kBanners + "\n" +
+                             under(kBanners + "/banner",
+                                   {" @delete", "/banner-name @delete", "/banner-text @remove"}));
     const tidl_yfw_datatree &lst = in->subtrees[0];
     EXPECT_EQ(lst.operation, OP_DELETE);
     EXPECT_EQ(lst.subtree_count, 1u);
@@ -307,13 +306,7 @@ TEST(OqListWalker, InstancesPushedByTheMapperAreEachWalked) {
     test::instances = {};
     ASSERT_EQ(status, YFW_SUCCESS);
     EXPECT_EQ(callbacks, 2);
-    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners +
-                             "/banner[banner-name='login']\n" + kBanners +
-                             "/banner[banner-name='login']/banner-name = \"login\"\n" + kBanners +
-                             "/banner[banner-name='login']/banner-text = \"in\"\n" + kBanners +
-                             "/banner[banner-name='motd']\n" + kBanners +
-                             "/banner[banner-name='motd']/banner-name = \"motd\"\n" + kBanners +
-                             "/banner[banner-name='motd']/banner-text = \"day\"\n");
+    EXPECT_EQ(r.paths(), kBanners + "\n" + banner("login", "in") + banner("motd", "day"));
     r.expect_state_restored();
 }
 
@@ -331,9 +324,9 @@ TEST(OqListWalker, ReadOfAnEntryWithoutItsKeyAddsTheKeyToTheRequest) {
 TEST(OqListWalker, ReadOfAnEntryByKeyAloneExpandsIt) {
     Request r(KIND_GET);
     ASSERT_EQ(r.run(kTop, top("<lst><name>motd</name></lst>")), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), std::string(kBanners) + "\n" + kBanners + "/banner[banner-name='motd']\n" +
-                             kBanners + "/banner[banner-name='motd']/banner-name = \"motd\"\n" +
-                             kBanners + "/banner[banner-name='motd']/banner-text\n");
+    EXPECT_EQ(r.paths(), kBanners + "\n" +
+                             under(kBanners + "/banner[banner-name='motd']",
+                                   {"", "/banner-name = \"motd\"", "/banner-text"}));
     r.expect_state_restored();
 }
 
@@ -344,10 +337,10 @@ TEST(OqListWalker, ReplaceOfAnEntryDeletesItWholeThenMerges) {
     ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
     EXPECT_EQ(in->subtrees[0].operation, OP_MERGE);
     // The first pass removes the entry; the second merges its content into it.
-    EXPECT_EQ(r.paths(),
-              std::string(kBanners) + "\n" + kBanners + "/banner[banner-name='motd'] @remove\n" +
-                  kBanners + "/banner[banner-name='motd']/banner-name = \"motd\" @merge\n" +
-                  kBanners + "/banner[banner-name='motd']/banner-text = \"new\" @merge\n");
+    EXPECT_EQ(r.paths(), kBanners + "\n" +
+                             under(kBanners + "/banner[banner-name='motd']",
+                                   {" @remove", "/banner-name = \"motd\" @merge",
+                                    "/banner-text = \"new\" @merge"}));
     r.expect_state_restored();
 }
 

@@ -31,21 +31,6 @@ TEST(QoWalker, ForeignNodeGoesToTheAugmentParserAndIsDropped) {
     EXPECT_EQ(r.paths(), "");
 }
 
-TEST(QoWalker, NullTagAndMalformedChildrenAreBadTrees) {
-    Request r(KIND_GET_CONFIG);
-    tidl_yfw_datatree *in = r.input(host_names("<host-name>r1</host-name>"));
-    in->subtrees[0].tag = nullptr;
-    EXPECT_EQ(kHostNames(r.ctx(), in, r.session().output()), YFW_ERR_BAD_TREE);
-    EXPECT_EQ(r.error_path(), "");
-    r.expect_state_restored();
-
-    Request m(KIND_GET_CONFIG);
-    tidl_yfw_datatree *in2 = m.input(host_names("<host-name>r1</host-name>"));
-    in2->subtrees = nullptr;
-    EXPECT_EQ(kHostNames(m.ctx(), in2, m.session().output()), YFW_ERR_BAD_TREE);
-    m.expect_state_restored();
-}
-
 TEST(QoWalker, XpathErrorNodeIsMarkedAndStillMapped) {
     Request r(KIND_GET_CONFIG);
     tidl_yfw_datatree *in = r.input(host_names("<host-name>r1</host-name>"));
