@@ -55,10 +55,7 @@ class DnsToNative : public ::testing::TestWithParam<Case> {};
 
 TEST_P(DnsToNative, Output) {
     const Case &c = GetParam();
-    Request r(c.kind);
-    ASSERT_EQ(r.run(kSystem, test::oc_system(c.request)), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), expand(c.output));
-    r.expect_state_restored();
+    test::expect_walk(kSystem, c.kind, test::oc_system(c.request), expand(c.output));
 }
 
 std::string vrf(std::string_view rest) {
@@ -98,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(
              "<dns><config><search/></config></dns>", vrf("V/lists\n")},
         Case{"search_get_asks_only_for_the_private_dns", KIND_GET,
              "<dns><config><search/></config></dns>", "P\nP/system\nP/system/dns\n"}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 INSTANTIATE_TEST_SUITE_P(
     Servers, DnsToNative,
@@ -120,7 +117,7 @@ INSTANTIATE_TEST_SUITE_P(
              "D\nD/system\nD/system/dns\nD/system/dns/servers\nD/system/dns/servers/server\n"
              "D/system/dns/servers/server/state\nD/system/dns/servers/server/state/address\n"
              "D/system/dns/servers/server/state/port\n"}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 INSTANTIATE_TEST_SUITE_P(
     HostEntries, DnsToNative,
@@ -169,7 +166,7 @@ INSTANTIATE_TEST_SUITE_P(
                  "/host-name = \"h\" @delete\n" + kHost4 + "/address @remove\nV/ipv6-hosts\n" +
                  kHost6 + " @delete\n" + kHost6 + "/host-name = \"h\" @delete\n" + kHost6 +
                  "/address @remove\n")}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 INSTANTIATE_TEST_SUITE_P(
     ContainerDeletes, DnsToNative,
@@ -184,7 +181,7 @@ INSTANTIATE_TEST_SUITE_P(
                            vrf("V/ipv4-hosts = \"\" @delete\nV/ipv6-hosts = \"\" @delete\n")},
                       Case{"bare_servers_merge_makes_the_vrf", KIND_EDIT_A,
                            "<dns><servers nc:operation=\"merge\"/></dns>", kVrf}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 struct Refused {
     const char *name;
@@ -211,16 +208,13 @@ INSTANTIATE_TEST_SUITE_P(
                 "<dns><servers><server><address>192.0.2.53</address><config><port>53"
                 "</port></config></server></servers></dns>",
                 {YFW_ERR_UNSUPPORTED_TAG, "port", kServerPath + "/config"}},
-        Refused{"state_in_an_edit",
-                "<dns><state><search>x</search></state></dns>",
-                {YFW_ERR_UNSUPPORTED_TAG, "state", "/openconfig-system:system/dns"}},
         Refused{"host_key_with_its_own_delete",
                 "<dns><host-entries><host-entry><hostname nc:operation=\"delete\">h</hostname>"
                 "</host-entry></host-entries></dns>",
                 {YFW_ERR_KEY_DELETE, "",
                  "/openconfig-system:system/dns/host-entries/host-entry[hostname='h']",
                  "The key node should not have delete operation."}}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 // ---- Native answers -----------------------------------------------------------------------------
 
@@ -307,15 +301,6 @@ TEST(DnsAnswers, OperationalWalkSilencesTheNextConfigurationWalkOnce) {
     ASSERT_EQ(r.run(kIpDomain, kConfigAnswer), YFW_SUCCESS);
     EXPECT_NE(r.paths().find("/openconfig-system:system/config/domain-name"), std::string::npos);
     r.expect_state_restored();
-    // Left raised for the next test, which must not see it.
-    ASSERT_EQ(r.run(kOcDns, kOperAnswer), YFW_SUCCESS);
-}
-
-TEST(DnsAnswers, EveryTestStartsWithoutTheOperationalMark) {
-    EXPECT_EQ(ymap::module_state().is_ocsystem_dns_oper, 0);
-    Request r(KIND_GET_CONFIG);
-    ASSERT_EQ(r.run(kIpDomain, kConfigAnswer), YFW_SUCCESS);
-    EXPECT_NE(r.paths(), "");
 }
 
 } // namespace

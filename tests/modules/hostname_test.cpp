@@ -17,12 +17,10 @@ const char kNativeHost[] = "/Tarvex-QV-shellutil-cfg:host-names\n"
                            "/Tarvex-QV-shellutil-cfg:host-names/host-name";
 const std::string kBanners = "/Tarvex-QV-infra-infra-cfg:banners";
 // config/domain-name, walked whole with its siblings.
-const std::string kDomain = "/Tarvex-QV-ip-domain-cfg:ip-domain\n"
-                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs\n"
-                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']\n"
-                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']/"
-                            "vrf-name = \"default\"\n"
-                            "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']/name";
+const std::string kDomain =
+    test::chain("/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']") +
+    "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']/vrf-name = \"default\"\n"
+    "/Tarvex-QV-ip-domain-cfg:ip-domain/vrfs/vrf[vrf-name='default']/name";
 const std::string kReadR1 = std::string(kNativeHost) + " = \"r1\"\n" + kDomain + "\n";
 const std::string kRemoved =
     std::string(kNativeHost) + " @remove\n" + kDomain + " = \"\" @remove\n";
@@ -41,11 +39,7 @@ struct Case {
 class HostNameToNative : public ::testing::TestWithParam<Case> {};
 
 TEST_P(HostNameToNative, Output) {
-    const Case &c = GetParam();
-    Request r(c.kind);
-    ASSERT_EQ(r.run(kSystem, oc_system(c.request)), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), c.output);
-    r.expect_state_restored();
+    test::expect_walk(kSystem, GetParam().kind, oc_system(GetParam().request), GetParam().output);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -67,58 +61,19 @@ INSTANTIATE_TEST_SUITE_P(
              "<config><hostname nc:operation=\"delete\"/></config>",
              std::string(kNativeHost) + " @delete\n"},
         Case{"bare_config_delete_walks_it_whole", KIND_EDIT_C, "<config nc:operation=\"delete\"/>",
-             kRemoved + kBanners + "\n" + banner("login") + " @remove\n" + banner("login") +
-                 "/banner-name = \"login\" @remove\n" + banner("login") +
-                 "/banner-text = \"login\" @remove\n" + banner("motd") + " @remove\n" +
-                 banner("motd") + "/banner-name = \"motd\" @remove\n" + banner("motd") +
-                 "/banner-text = \"motd\" @remove\n"},
+             kRemoved + kBanners + "\n" +
+                 test::under(banner("login"), {" @remove", "/banner-name = \"login\" @remove",
+                                               "/banner-text = \"login\" @remove"}) +
+                 test::under(banner("motd"), {" @remove", "/banner-name = \"motd\" @remove",
+                                              "/banner-text = \"motd\" @remove"})},
         Case{"any_text_passes_unchanged", KIND_EDIT_B,
              "<config><hostname> a&amp;b \"c\" </hostname></config>",
              std::string(kNativeHost) + " = \" a&b \\\"c\\\" \"\n"},
         Case{"state_leaf_in_an_edit_adds_nothing", KIND_EDIT_A,
              "<state><hostname>r1</hostname></state>", ""},
         Case{"state_leaf_read_asks_the_private_module", KIND_GET, "<state><hostname/></state>",
-             "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem\n"
-             "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system\n"
-             "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state\n"
-             "/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state/host-name\n"},
-        Case{"unknown_namespace_at_the_root_is_dropped", KIND_EDIT_A,
-             "<thing xmlns=\"urn:other\">1</thing>", ""}),
-    [](const auto &info) { return std::string(info.param.name); });
-
-TEST(HostName, ReplaceOfConfigDeletesEveryLeafThenMerges) {
-    Request r(KIND_EDIT_A);
-    tidl_yfw_datatree *in =
-        r.input(oc_system("<config nc:operation=\"replace\"><hostname>r2</hostname></config>"));
-    ASSERT_EQ(kSystem(r.ctx(), in, r.session().output()), YFW_SUCCESS);
-    const std::string out = r.paths();
-    EXPECT_NE(out.find(std::string(kNativeHost) + " = \"r2\" @merge\n"), std::string::npos) << out;
-    // The banners were deleted by the first pass.
-    EXPECT_NE(out.find("banner-text = \"login\" @remove"), std::string::npos) << out;
-    EXPECT_EQ(in->subtrees[0].operation, OP_MERGE);
-    r.expect_state_restored();
-}
-
-TEST(HostName, DeleteOfConfigWithChildrenIsRefused) {
-    Request r(KIND_EDIT_A);
-    test::expect_refused(
-        r, r.run(kSystem, oc_system("<config nc:operation=\"delete\"><hostname/></config>")),
-        {YFW_ERR_INVALID_ARGS});
-    r.expect_state_restored();
-}
-
-TEST(HostName, UnknownTagUnderConfig) {
-    Request read(KIND_GET_CONFIG);
-    EXPECT_EQ(read.run(kSystem, oc_system("<config><color/><hostname/></config>")), YFW_SUCCESS);
-    EXPECT_EQ(read.paths(), std::string(kNativeHost) + "\n");
-
-    Request write(KIND_EDIT_A);
-    test::expect_refused(write,
-                         write.run(kSystem, oc_system("<config><color>red</color></config>")),
-                         {YFW_ERR_UNSUPPORTED_TAG, "color", "/openconfig-system:system/config",
-                          "Unsupported tag is specified in the request."});
-    write.expect_state_restored();
-}
+             test::chain("/Tarvex-QV-PRIVATE-oc-system-oper:ocsystem/system/state/host-name")}),
+    test::case_name);
 
 TEST(HostName, GetOfAnEmptySystemVisitsEveryChildOnce) {
     Request r(KIND_GET);

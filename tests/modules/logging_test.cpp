@@ -5,7 +5,9 @@
 
 namespace {
 
+using test::chain;
 using test::Request;
+using test::under;
 
 constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
 constexpr auto kSyslog = &ymap_qo_ocsystem_tarvexqvinfrasyslogcfg_lvla_syslog;
@@ -14,8 +16,7 @@ constexpr auto kMessages =
 
 const std::string kN = "/Tarvex-QV-infra-syslog-cfg:syslog";
 const std::string kVrf = kN + "/host-server/vrfs/vrf[vrf-name='default']";
-const std::string kVrfHead = kN + "\n" + kN + "/host-server\n" + kN + "/host-server/vrfs\n" + kVrf +
-                             "\n" + kVrf + "/vrf-name = \"default\"\n";
+const std::string kVrfHead = test::chain(kVrf) + kVrf + "/vrf-name = \"default\"\n";
 const std::string kOcSys = "/openconfig-system:system";
 const std::string kSel = "/selectors/selector[facility='NONE']";
 
@@ -64,11 +65,10 @@ struct Dialect {
     std::vector<std::pair<const char *, const char *>> words;
 };
 
-TEST(LoggingWords, EveryWordConvertsBothWays) {
-    const std::vector<std::pair<const char *, const char *>> common = {
-        {"EMERGENCY", "emergency"}, {"ALERT", "alert"},     {"CRITICAL", "critical"},
-        {"ERROR", "error"},         {"WARNING", "warning"}, {"NOTICE", "notice"},
-        {"DEBUG", "debug"}};
+// The words that tell the dialects apart, and each table's ends.
+TEST(LoggingWords, WordsConvertBothWays) {
+    const std::vector<std::pair<const char *, const char *>> common = {{"EMERGENCY", "emergency"},
+                                                                       {"DEBUG", "debug"}};
     Dialect remote{oc_syslog_severity_conversion, qv_oc_syslog_severity_conversion, common};
     remote.words.emplace_back("INFORMATIONAL", "informational");
     Dialect console{oc_syslog_console_severity_conversion, qv_oc_syslog_console_severity_conversion,
@@ -77,20 +77,7 @@ TEST(LoggingWords, EveryWordConvertsBothWays) {
     console.words.emplace_back("DISABLE", "disable");
     Dialect facility{oc_syslog_facility_conversion,
                      qv_oc_syslog_facility_conversion,
-                     {{"KERNEL", "kern"},
-                      {"SYSTEM_DAEMON", "daemon"},
-                      {"AUTH", "auth"},
-                      {"LOCAL0", "local0"},
-                      {"LOCAL1", "local1"},
-                      {"LOCAL2", "local2"},
-                      {"LOCAL3", "local3"},
-                      {"LOCAL4", "local4"},
-                      {"LOCAL5", "local5"},
-                      {"LOCAL6", "local6"},
-                      {"LOCAL7", "local7"},
-                      {"MAIL", "mail"},
-                      {"USER", "user"},
-                      {"SYSLOG", "syslog"}}};
+                     {{"KERNEL", "kern"}, {"SYSTEM_DAEMON", "daemon"}, {"SYSLOG", "syslog"}}};
     Request r(KIND_GET_CONFIG);
     for (const Dialect *d : {&remote, &console, &facility})
         for (const auto &[oc, nat] : d->words) {
@@ -98,6 +85,7 @@ TEST(LoggingWords, EveryWordConvertsBothWays) {
             EXPECT_STREQ(d->to_oc(r.ctx(), nat), oc) << nat;
         }
     EXPECT_EQ(errors(r), "");
+    EXPECT_STREQ(oc_syslog_check_ipv4_ipv6(nullptr), "NULL");
 }
 
 TEST(LoggingWords, OnlyWholeWordsOfTheirOwnDialectConvert) {
@@ -137,17 +125,6 @@ TEST(LoggingWords, OnlyWholeWordsOfTheirOwnDialectConvert) {
         EXPECT_EQ(errors(r), std::string(c.trace) + "\n");
         EXPECT_EQ(r.state()->error_message, nullptr);
     }
-}
-
-TEST(LoggingWords, HostFormChoosesTheFamilyWithoutLookingUpNames) {
-    const std::pair<const char *, const char *> cases[] = {
-        {"192.0.2.1", "ipv4"},        {"2001:db8::1", "ipv6"},
-        {"::ffff:192.0.2.1", "ipv6"}, {"1.2.3", "NULL"},
-        {"localhost", "NULL"},        {"log.example.net", "NULL"},
-        {"192.0.2.1.example", "NULL"}};
-    for (const auto &[host, family] : cases)
-        EXPECT_STREQ(oc_syslog_check_ipv4_ipv6(host), family) << host;
-    EXPECT_STREQ(oc_syslog_check_ipv4_ipv6(nullptr), "NULL");
 }
 
 // ---- OpenConfig to native ----------------------------------------------------------------
@@ -195,22 +172,21 @@ TEST(LoggingToNative, DeletesTakeOneServerOrTheWholeVrf) {
               YFW_SUCCESS);
     // The VRF stays; the server's key goes without a value, so the entry is
     // named by its list alone, and the delete reaches its port too.
-    const std::string e = kVrf + "/ipv4s/ipv4";
-    EXPECT_EQ(one.paths(), kVrfHead + kVrf + "/ipv4s\n" + e + " @delete\n" + e +
-                               "/address @remove\n" + e + "/ipv4-severity-port\n" + e +
-                               "/ipv4-severity-port/port @remove\n");
+    EXPECT_EQ(one.paths(), kVrfHead + kVrf + "/ipv4s\n" +
+                               under(kVrf + "/ipv4s/ipv4",
+                                     {" @delete", "/address @remove", "/ipv4-severity-port",
+                                      "/ipv4-severity-port/port @remove"}));
     one.expect_state_restored();
 
     Request all(KIND_EDIT_A);
     ASSERT_EQ(all.run(kSystem, test::oc_system("<logging><remote-servers nc:operation=\"delete\"/>"
                                                "</logging>")),
               YFW_SUCCESS);
-    const std::string h = kVrf + "/hosts/host";
-    EXPECT_EQ(all.paths(), kN + "\n" + kN + "/host-server\n" + kN + "/host-server/vrfs\n" + kVrf +
-                               " @delete\n" + kVrf + "/vrf-name = \"default\" @delete\n" + kVrf +
-                               "/hosts\n" + h + " @remove\n" + h + "/host-name @remove\n" + h +
-                               "/host-severity-port\n" + h +
-                               "/host-severity-port/port = \"\" @remove\n");
+    EXPECT_EQ(all.paths(), chain(kN + "/host-server/vrfs") +
+                               under(kVrf, {" @delete", "/vrf-name = \"default\" @delete", "/hosts",
+                                            "/hosts/host @remove", "/hosts/host/host-name @remove",
+                                            "/hosts/host/host-severity-port",
+                                            "/hosts/host/host-severity-port/port = \"\" @remove"}));
     all.expect_state_restored();
 }
 
@@ -269,10 +245,9 @@ TEST(LoggingToNative, ConsoleAndMessagesLevelsSpeakTheConsoleDialect) {
                                  "<messages><config><severity>DISABLE</severity></config>"
                                  "</messages>")),
               YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), kN + "\n" + kN + "/console-logging\n" + kN +
-                             "/console-logging/logging-level = \"disable\"\n" + kN +
-                             "/yang-logging\n" + kN +
-                             "/yang-logging/logging-level = \"disable\"\n");
+    EXPECT_EQ(r.paths(),
+              under(kN, {"", "/console-logging", "/console-logging/logging-level = \"disable\"",
+                         "/yang-logging", "/yang-logging/logging-level = \"disable\""}));
     // A read through the key filters by the OpenConfig word itself.
     Request read(KIND_GET_CONFIG);
     ASSERT_EQ(read.run(kSystem, test::oc_system("<logging><console><selectors><selector>"
@@ -280,7 +255,7 @@ TEST(LoggingToNative, ConsoleAndMessagesLevelsSpeakTheConsoleDialect) {
                                                 "</severity></selector></selectors></console>"
                                                 "</logging>")),
               YFW_SUCCESS);
-    EXPECT_EQ(read.paths(), kN + "\n" + kN + "/console-logging\n" + kN +
+    EXPECT_EQ(read.paths(), chain(kN + "/console-logging") + kN +
                                 "/console-logging/logging-level = \"INFORMATIONAL\"\n");
 }
 
@@ -333,135 +308,77 @@ std::string native_server(std::string_view severity) {
 }
 
 TEST(LoggingFromNative, AServerOfAnyVrfReadsBackAsOneSelectorOfFacilityNone) {
-    const std::string head = kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys +
-                             "/logging/remote-servers\n" + kRs + "\n" + kRs +
-                             "/host = \"192.0.2.1\"\n" + kRs + "/config\n";
     const std::string sel = kRs + kSel + "[severity='INFORMATIONAL']";
-    const std::string sel_head = kRs + "/selectors\n" + sel + "\n" + sel +
-                                 "/facility = \"NONE\"\n" + sel + "/severity = \"INFORMATIONAL\"\n";
-    Request get(KIND_GET);
-    ASSERT_EQ(get.run(kSyslog, native(native_server("informational"))), YFW_SUCCESS);
-    EXPECT_EQ(get.paths(), head + kRs + "/config/host = \"192.0.2.1\"\n" + kRs +
-                               "/config/remote-port = \"514\"\n" + kRs + "/state\n" + kRs +
-                               "/state/host = \"192.0.2.1\"\n" + kRs +
-                               "/state/remote-port = \"514\"\n" + sel_head + sel + "/config\n" +
-                               sel + "/config/severity = \"INFORMATIONAL\"\n" + sel + "/state\n" +
-                               sel + "/state/severity = \"INFORMATIONAL\"\n");
-    get.expect_state_restored();
-
-    Request oper(KIND_GET, true);
-    ASSERT_EQ(oper.run(kSyslog, native(native_server("informational"))), YFW_SUCCESS);
-    EXPECT_EQ(oper.paths(),
-              kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys + "/logging/remote-servers\n" + kRs +
-                  "\n" + kRs + "/host = \"192.0.2.1\"\n" + kRs + "/state\n" + kRs +
-                  "/state/host = \"192.0.2.1\"\n" + kRs + "/state/remote-port = \"514\"\n" +
-                  sel_head + sel + "/state\n" + sel + "/state/severity = \"INFORMATIONAL\"\n");
+    const std::string head = chain(kRs) + kRs + "/host = \"192.0.2.1\"\n";
+    const std::string state =
+        under(kRs, {"/state", "/state/host = \"192.0.2.1\"", "/state/remote-port = \"514\""}) +
+        kRs + "/selectors\n" +
+        under(sel, {"", "/facility = \"NONE\"", "/severity = \"INFORMATIONAL\""});
+    test::expect_walk(kSyslog, KIND_GET, native(native_server("informational")),
+                      head +
+                          under(kRs, {"/config", "/config/host = \"192.0.2.1\"",
+                                      "/config/remote-port = \"514\""}) +
+                          state +
+                          under(sel, {"/config", "/config/severity = \"INFORMATIONAL\"", "/state",
+                                      "/state/severity = \"INFORMATIONAL\""}));
+    test::expect_walk(kSyslog, KIND_GET, native(native_server("informational")),
+                      head + state + under(sel, {"/state", "/state/severity = \"INFORMATIONAL\""}),
+                      true);
 }
 
 TEST(LoggingFromNative, AnEditKindWritesFirstPathsOnlyAndABadWordNoValue) {
     Request r(KIND_EDIT_A);
     ASSERT_EQ(r.run(kSyslog, native(native_server("info"))), YFW_SUCCESS);
     EXPECT_EQ(r.paths(),
-              kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys + "/logging/remote-servers\n" + kRs +
-                  "\n" + kRs + "/host = \"192.0.2.1\"\n" + kRs + "/config\n" + kRs +
-                  "/config/host = \"192.0.2.1\"\n" + kRs + "/config/remote-port = \"514\"\n" + kRs +
-                  "/selectors\n" + kRs + "/selectors/selector\n" + kRs +
-                  "/selectors/selector/severity\n" + kRs + "/selectors/selector/config\n" + kRs +
-                  "/selectors/selector/config/severity\n");
+              chain(kRs) +
+                  under(kRs, {"/host = \"192.0.2.1\"", "/config", "/config/host = \"192.0.2.1\"",
+                              "/config/remote-port = \"514\"", "/selectors", "/selectors/selector",
+                              "/selectors/selector/severity", "/selectors/selector/config",
+                              "/selectors/selector/config/severity"}));
     EXPECT_EQ(errors(r), "Invalid severity leaf value 'info' specified in OC model\n"
                          "Invalid severity leaf value 'info' specified in OC model\n");
 }
 
 TEST(LoggingFromNative, ConsoleDisableHasNoSelectorWhereYangLoggingShowsIt) {
     const std::string sel = kOcSys + "/logging/console" + kSel + "[severity='INFORMATIONAL']";
-    const struct {
-        uint32_t kind;
-        const char *console;
-        std::string want;
-    } cases[] = {
-        {KIND_GET_CONFIG, "disable",
-         kOcSys + "\n" + kOcSys + "/messages\n" + kOcSys + "/messages/config\n" + kOcSys +
-             "/messages/config/severity = \"DISABLE\"\n"},
-        {KIND_GET_CONFIG, "info",
-         kOcSys + "\n" + kOcSys + "/logging\n" + kOcSys + "/logging/console\n" + kOcSys +
-             "/logging/console/selectors\n" + sel + "\n" + sel + "/facility = \"NONE\"\n" + sel +
-             "/severity = \"INFORMATIONAL\"\n" + sel + "/config\n" + sel +
-             "/config/severity = \"INFORMATIONAL\"\n" + kOcSys + "/messages\n" + kOcSys +
-             "/messages/config\n" + kOcSys + "/messages/config/severity = \"DISABLE\"\n"},
+    const std::string messages =
+        under(kOcSys, {"/messages", "/messages/config", "/messages/config/severity = \"DISABLE\""});
+    const std::pair<const char *, std::string> cases[] = {
+        {"disable", kOcSys + "\n" + messages},
+        {"info", chain(kOcSys + "/logging/console/selectors") +
+                     under(sel, {"", "/facility = \"NONE\"", "/severity = \"INFORMATIONAL\"",
+                                 "/config", "/config/severity = \"INFORMATIONAL\""}) +
+                     messages},
     };
-    for (const auto &c : cases) {
-        Request r(c.kind);
-        ASSERT_EQ(
-            r.run(kSyslog, native("<console-logging><logging-level>" + std::string(c.console) +
-                                  "</logging-level></console-logging><yang-logging>"
-                                  "<logging-level>disable</logging-level></yang-logging>")),
-            YFW_SUCCESS);
-        EXPECT_EQ(r.paths(), c.want) << c.console;
-    }
-    Request oper(KIND_GET, true);
-    ASSERT_EQ(oper.run(kSyslog, native("<yang-logging><logging-level>info</logging-level>"
-                                       "</yang-logging>")),
-              YFW_SUCCESS);
-    EXPECT_EQ(oper.paths(), "");
+    for (const auto &[console, want] : cases)
+        test::expect_walk(kSyslog, KIND_GET_CONFIG,
+                          native("<console-logging><logging-level>" + std::string(console) +
+                                 "</logging-level></console-logging><yang-logging>"
+                                 "<logging-level>disable</logging-level></yang-logging>"),
+                          want);
+    test::expect_walk(kSyslog, KIND_GET,
+                      native("<yang-logging><logging-level>info</logging-level></yang-logging>"),
+                      "", true);
 }
 
 // ---- Messages --------------------------------------------------------------------------------
 
-const std::string kMsgN = "/Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper:ocsyslog";
-const std::string kMsgHead = kMsgN + "\n" + kMsgN + "/system\n" + kMsgN + "/system/messages\n" +
-                             kMsgN + "/system/messages/state";
-
-TEST(Messages, StateReadsGoToTheOperationalModuleUnconverted) {
-    const std::pair<const char *, std::string> cases[] = {
-        // Named bare, the container is asked for whole, and its leaves follow.
-        {"<state/>", kMsgHead + "\n" + kMsgN + "/system/messages/state/severity\n" + kMsgN +
-                         "/system/messages/state/message\n" + kMsgN +
-                         "/system/messages/state/message/msg\n" + kMsgN +
-                         "/system/messages/state/message/priority\n" + kMsgN +
-                         "/system/messages/state/message/app-name\n" + kMsgN +
-                         "/system/messages/state/message/procid\n" + kMsgN +
-                         "/system/messages/state/message/msgid\n"},
-        {"<state><severity/></state>",
-         kMsgHead + "\n" + kMsgN + "/system/messages/state/severity\n"},
-        {"<state><message/></state>", kMsgHead + "\n" + kMsgN + "/system/messages/state/message\n" +
-                                          kMsgN + "/system/messages/state/message/msg\n" + kMsgN +
-                                          "/system/messages/state/message/priority\n" + kMsgN +
-                                          "/system/messages/state/message/app-name\n" + kMsgN +
-                                          "/system/messages/state/message/procid\n" + kMsgN +
-                                          "/system/messages/state/message/msgid\n"},
-    };
-    for (const auto &[body, want] : cases) {
-        Request r(KIND_GET);
-        ASSERT_EQ(r.run(kSystem, test::oc_system("<messages>" + std::string(body) + "</messages>")),
-                  YFW_SUCCESS);
-        EXPECT_EQ(r.paths(), want) << body;
-        r.expect_state_restored();
-    }
-}
-
 TEST(Messages, NativeStateSpeaksTheServersDialectInGetOnly) {
-    const std::string answer = test::native(
-        "Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper", "ocsyslog",
-        "<system><messages><state><severity>informational</severity><message><msg>up</msg>"
-        "<priority>189</priority></message></state></messages></system>");
-    Request get(KIND_GET);
-    ASSERT_EQ(get.run(kMessages, answer), YFW_SUCCESS);
+    const auto answer = [](std::string_view state) {
+        return test::native("Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper", "ocsyslog",
+                            "<system><messages><state>" + std::string(state) +
+                                "</state></messages></system>");
+    };
+    const std::string good = answer("<severity>informational</severity><message><msg>up</msg>"
+                                    "<priority>189</priority></message>");
     const std::string s = kOcSys + "/messages/state";
-    EXPECT_EQ(get.paths(), kOcSys + "\n" + kOcSys + "/messages\n" + s + "\n" + s +
-                               "/severity = \"INFORMATIONAL\"\n" + s + "/message\n" + s +
-                               "/message/msg = \"up\"\n" + s + "/message/priority = \"189\"\n");
-
-    Request bad(KIND_GET);
-    ASSERT_EQ(bad.run(kMessages,
-                      test::native("Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper", "ocsyslog",
-                                   "<system><messages><state><severity>info</severity>"
-                                   "</state></messages></system>")),
-              YFW_SUCCESS);
-    EXPECT_EQ(bad.paths(), kOcSys + "\n" + kOcSys + "/messages\n" + s + "\n" + s + "/severity\n");
-
-    Request config(KIND_GET_CONFIG);
-    ASSERT_EQ(config.run(kMessages, answer), YFW_SUCCESS);
-    EXPECT_EQ(config.paths(), "");
+    test::expect_walk(kMessages, KIND_GET, good,
+                      chain(s) +
+                          under(s, {"/severity = \"INFORMATIONAL\"", "/message",
+                                    "/message/msg = \"up\"", "/message/priority = \"189\""}));
+    test::expect_walk(kMessages, KIND_GET, answer("<severity>info</severity>"),
+                      chain(s + "/severity"));
+    test::expect_walk(kMessages, KIND_GET_CONFIG, good, "");
 }
 
 TEST(Messages, TheStandAloneModelRefusesEveryLeafAndSyslogServiceIsDropped) {

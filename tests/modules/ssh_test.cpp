@@ -5,6 +5,7 @@
 
 namespace {
 
+using test::lines;
 using test::Request;
 
 constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
@@ -21,12 +22,6 @@ std::string oc(std::string_view body) {
 }
 std::string native(std::string_view body) {
     return test::native("Tarvex-QV-crypto-ssh-cfg", "ssh", body);
-}
-std::string lines(std::initializer_list<std::string> items) {
-    std::string out;
-    for (const std::string &l : items)
-        out += l + "\n";
-    return out;
 }
 
 struct Case {
@@ -73,7 +68,7 @@ INSTANTIATE_TEST_SUITE_P(
              kNativeHead + lines({kServer + "/timeout", kVrfTable, kVrfTable + "/vrf",
                                   kVrfTable + "/vrf/enable"})},
         Case{"state_passed_over_in_get_config", KIND_GET_CONFIG, "<state><timeout/></state>", ""}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 TEST(SshRefusal, StateInAnEditAndForeignAugments) {
     struct Refused {
@@ -142,6 +137,6 @@ INSTANTIATE_TEST_SUITE_P(
              "<port>22</port><timeout>5</timeout></server>",
              kOcHead + lines({kOcConfig + "/timeout = \"5\"", kOc + "/ssh-server/state",
                               kOc + "/ssh-server/state/timeout = \"5\""})}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 } // namespace

@@ -7,6 +7,7 @@
 
 namespace {
 
+using test::lines;
 using test::Request;
 
 constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
@@ -16,17 +17,9 @@ constexpr auto kOper = &ymap_qo_ocsystem_tarvexqvprivateoctelnetoper_lvla_octeln
 const std::string kExtNs = "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-terminal-ext";
 const std::string kTelnet = "/Tarvex-QV-ip-tcp-cfg:ip/tinetd/services/telnet";
 const std::string kVrfs = kTelnet + "/vrfs";
-const std::string kNativeHead = "/Tarvex-QV-ip-tcp-cfg:ip\n/Tarvex-QV-ip-tcp-cfg:ip/tinetd\n"
-                                "/Tarvex-QV-ip-tcp-cfg:ip/tinetd/services\n" +
-                                kTelnet + "\n" + kVrfs + "\n";
+const std::string kNativeHead = test::chain(kVrfs);
 const std::string kExt = "/Tarvex-QV-openconfig-system-terminal-ext:";
 
-std::string lines(std::initializer_list<std::string> items) {
-    std::string out;
-    for (const std::string &l : items)
-        out += l + "\n";
-    return out;
-}
 // A native VRF entry, with the lines of its key.
 std::string vrf(std::string_view name) {
     return kVrfs + "/vrf[vrf-name='" + std::string(name) + "']";
@@ -58,10 +51,7 @@ struct Case {
 };
 
 void expect_mapped(yfw_map_walker_fn walker, const Case &c, const std::string &xml) {
-    Request r(c.kind, c.oper_only);
-    ASSERT_EQ(r.run(walker, xml), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), c.output);
-    r.expect_state_restored();
+    test::expect_walk(walker, c.kind, xml, c.output, c.oper_only);
 }
 
 // ---- OpenConfig to native ---------------------------------------------------------
@@ -104,10 +94,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"foreign_namespace_dropped", KIND_EDIT_A, "<x xmlns=\"urn:other\">1</x>", ""},
         Case{"read_with_state", KIND_GET, ext_entry("ipv6", "mgmt", "<state><enable/></state>"),
              kNativeHead + vrf_head("mgmt") +
-                 lines({kOperRoot, kOperRoot + "/system", kOperEntry, kOperEntry + "/ipv6s",
-                        kOperEntry + "/ipv6s/ipv6", kOperEntry + "/ipv6s/ipv6/state",
-                        kOperEntry + "/ipv6s/ipv6/state/enable"})}),
-    [](const auto &info) { return std::string(info.param.name); });
+                 test::chain(kOperEntry + "/ipv6s/ipv6/state/enable")}),
+    test::case_name);
 
 TEST(TelnetRefusal, ModelLeavesAndModelStateInAnEdit) {
     const std::string path = "/openconfig-system:system/telnet-server";
@@ -187,7 +175,7 @@ INSTANTIATE_TEST_SUITE_P(
                       // Limits are configuration: a request for state alone gets the keys only.
                       Case{"oper_only_no_limit", KIND_GET, native_vrf("mgmt", family("ipv4", "5")),
                            kOcHead + oc_entry("ipv4", "mgmt", ""), true}),
-    [](const auto &info) { return std::string(info.param.name); });
+    test::case_name);
 
 TEST(TelnetAnswerFlags, KeyMapperClearsTheSeenFlags) {
     Request r(KIND_GET_CONFIG);
