@@ -229,10 +229,6 @@ INSTANTIATE_TEST_SUITE_P(
                 KIND_EDIT_A,
                 "<lst><config><text>t</text></config></lst>",
                 {YFW_ERR_LIST_KEY, "name", "/urn:test:oq:top/lst", "List key node error."}},
-        KeyCase{"edit_b_without_key",
-                KIND_EDIT_B,
-                "<lst><config><text>t</text></config></lst>",
-                {YFW_ERR_LIST_KEY, "name", "/urn:test:oq:top/lst", "List key node error."}},
         KeyCase{"edit_c_two_keys",
                 KIND_EDIT_C,
                 "<lst><name>a</name><name>b</name></lst>",
@@ -243,8 +239,6 @@ INSTANTIATE_TEST_SUITE_P(
                 {YFW_SUCCESS}},
         KeyCase{
             "other_kind_no_key", 3, "<lst><config><text>t</text></config></lst>", {YFW_SUCCESS}},
-        KeyCase{
-            "read_no_key", KIND_GET_CONFIG, "<lst><config><text/></config></lst>", {YFW_SUCCESS}},
         KeyCase{"key_with_delete",
                 KIND_EDIT_A,
                 "<lst><name nc:operation=\"delete\">a</name></lst>",

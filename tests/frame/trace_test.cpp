@@ -68,57 +68,6 @@ TEST(Trace, StartAndEndReachBothSinksInTheirFormats) {
               2);
 }
 
-TEST(Trace, EachSinkAloneAndNoSequenceNumberWhenTheRingIsOff) {
-    Request debug_only(KIND_GET_CONFIG);
-    debug_only.session().set_debug_log(true);
-    const uint32_t drawn = yfw::trace_index_drawn();
-    ASSERT_EQ(debug_only.run(&ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames, kResponse),
-              YFW_SUCCESS);
-    EXPECT_FALSE(debug_only.session().debug_log().empty());
-    EXPECT_TRUE(debug_only.session().ring_trace().empty());
-    EXPECT_EQ(yfw::trace_index_drawn(), drawn);
-
-    Request ring_only(KIND_GET_CONFIG);
-    ring_only.session().set_debug_log(false);
-    ring_only.session().set_ring_trace(true);
-    ASSERT_EQ(ring_only.run(&ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames, kResponse),
-              YFW_SUCCESS);
-    EXPECT_TRUE(ring_only.session().debug_log().empty());
-    EXPECT_EQ(yfw::trace_index_drawn(), drawn + ring_only.session().ring_trace().size());
-}
-
-TEST(Trace, ErrorLinesUseTheErrorWord) {
-    Request r(KIND_GET_CONFIG);
-    r.session().set_debug_log(true);
-    r.session().set_ring_trace(true);
-    EXPECT_EQ(ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames(r.ctx(), nullptr,
-                                                                   r.session().output()),
-              YFW_ERR_INVALID_ARGS);
-    EXPECT_TRUE(around_pointer(r.session().debug_log().back(),
-                               "ERR: YFW: ctx=", ",Invalid arguments passed!"));
-    EXPECT_TRUE(ring_line(r.session().ring_trace().back(), "ERR",
-                          "ymap_qo_ocsystem_tarvexqvshellutilcfg_lvla_hostnames",
-                          "Invalid arguments passed!"));
-}
-
-// A long line is cut by the bounded formatting, with no error.
-void long_statement(yfw_map_ctx *ctx) {
-    YFW_MAP_TRC(ctx, "unit", "%s", std::string(400, 'x').c_str());
-}
-
-TEST(Trace, RingLineIsCutAt249Characters) {
-    Request r(KIND_GET);
-    r.session().set_debug_log(true);
-    r.session().set_ring_trace(true);
-    long_statement(r.ctx());
-    EXPECT_EQ(r.session().ring_trace().back().size(), 249u);
-    EXPECT_GT(r.session().debug_log().back().size(), 400u);
-}
-
-} // namespace
-
-namespace {
-
 // The unit a ring line names: "#<n>: <word>: <unit>:<line> ...".
 std::string unit_of(std::string_view line) {
     line.remove_prefix(line.find(": ") + 2);

@@ -27,45 +27,20 @@ YMAP_XPATH_TABLE(kTable, pick,
      "/clock/time-zone/time-zone-name"});
 // clang-format on
 
-struct Case {
-    const char *name;
-    uint32_t kind;
-    const char *leaf;
-    bool list;
-    std::string output;
-    friend void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
-};
-
 const std::string kHost = "/Tarvex-QV-shellutil-cfg:host-names";
 const std::string kZone = "/Tarvex-QV-infra-infra-clock-linux-cfg:clock";
 
-class TableForms : public ::testing::TestWithParam<Case> {};
-
-TEST_P(TableForms, Output) {
-    const Case &c = GetParam();
+TEST(TableForms, AReadFansOutWithSecondPathsAndLeavesTheTableAlone) {
     callback_status = YFW_SUCCESS;
-    Request r(c.kind);
-    tidl_yfw_datatree *leaf = r.input(test::oc_system(c.leaf));
-    const cerrno status = c.list
-                              ? ymap::run_list_table(kTable, r.ctx(), leaf, r.session().output())
-                              : ymap::run_leaf_table(kTable, r.ctx(), leaf, r.session().output());
-    EXPECT_EQ(status, YFW_SUCCESS);
+    Request r(KIND_GET);
+    tidl_yfw_datatree *leaf = r.input(test::oc_system(""));
+    EXPECT_EQ(ymap::run_leaf_table(kTable, r.ctx(), leaf, r.session().output()), YFW_SUCCESS);
     EXPECT_EQ(callback_count, 2);
-    EXPECT_EQ(r.paths(), c.output);
+    EXPECT_EQ(r.paths(), test::chain(kHost + "/host-name") +
+                             test::chain(kZone + "/time-zone/area-name") + kZone +
+                             "/time-zone/time-zone-name\n");
     EXPECT_EQ(kTable_rows[1].selected, 0u); // the constant table is never written
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Kinds, TableForms,
-    ::testing::Values(
-        Case{"read_fans_out_with_second_paths", KIND_GET, "", false,
-             kHost + "\n" + kHost + "/host-name\n" + kZone + "\n" + kZone + "/time-zone\n" + kZone +
-                 "/time-zone/area-name\n" + kZone + "/time-zone/time-zone-name\n"},
-        Case{"edit_selects_one_row_and_no_second_path", KIND_EDIT_A, "", false,
-             kZone + "\n" + kZone + "/time-zone\n" + kZone + "/time-zone/area-name = \"\"\n"},
-        Case{"list_edit_adds_the_entry", KIND_EDIT_A, "", true,
-             kZone + "\n" + kZone + "/time-zone\n" + kZone + "/time-zone/area-name\n"}),
-    [](const auto &info) { return std::string(info.param.name); });
 
 TEST(TableForms, ValuesComeFromTheRowsValueFunctionAndCarryTheOperation) {
     callback_status = YFW_SUCCESS;
@@ -74,13 +49,13 @@ TEST(TableForms, ValuesComeFromTheRowsValueFunctionAndCarryTheOperation) {
     ASSERT_EQ(ymap::run_leaf_table(kTable, r.ctx(), &in->subtrees[0], r.session().output()),
               YFW_SUCCESS);
     EXPECT_EQ(r.paths(),
-              kZone + "\n" + kZone + "/time-zone\n" + kZone + "/time-zone/area-name @delete\n");
+              test::chain(kZone + "/time-zone") + kZone + "/time-zone/area-name @delete\n");
     Request edit(KIND_EDIT_A);
     in = edit.input(test::oc_system("<config nc:operation=\"merge\">x</config>"));
     ASSERT_EQ(ymap::run_leaf_table(kTable, edit.ctx(), &in->subtrees[0], edit.session().output()),
               YFW_SUCCESS);
-    EXPECT_EQ(edit.paths(), kZone + "\n" + kZone + "/time-zone\n" + kZone +
-                                "/time-zone/area-name = \"x\" @merge\n");
+    EXPECT_EQ(edit.paths(),
+              test::chain(kZone + "/time-zone") + kZone + "/time-zone/area-name = \"x\" @merge\n");
 }
 
 TEST(TableForms, ACallbackFailureEndsAListMapperButNotALeafMapper) {
@@ -135,7 +110,7 @@ TEST(SelectedRows, CarryTheCallbacksValueFunctionToAHandWrittenVariant) {
     tidl_yfw_datatree *in = r.input(test::oc_system("<x>false</x>"));
     ASSERT_EQ(false_becomes_remove(r.ctx(), &in->subtrees[0], r.session().output()), YFW_SUCCESS);
     EXPECT_EQ(r.paths(),
-              kZone + "\n" + kZone + "/time-zone\n" + kZone + "/time-zone/area-name @remove\n");
+              test::chain(kZone + "/time-zone") + kZone + "/time-zone/area-name @remove\n");
     EXPECT_EQ(kEmptyLeaf_rows[1].value_fn, &ymap::xpath_node_value);
 }
 

@@ -20,18 +20,12 @@ std::string native(std::string_view body) {
 const std::string kZone = "/Tarvex-QV-infra-infra-clock-linux-cfg:clock/time-zone";
 const std::string kClockLine = "/Tarvex-QV-infra-infra-clock-linux-cfg:clock\n";
 
-struct Case {
-    const char *name;
-    uint32_t kind;
-    std::string request;
-    std::string output;
-    friend void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
-};
+using Case = test::Walk;
 
 class ClockToNative : public ::testing::TestWithParam<Case> {};
 
 TEST_P(ClockToNative, Output) {
-    test::expect_walk(kSystem, GetParam().kind, GetParam().request, GetParam().output);
+    test::expect_walk(kSystem, GetParam().kind, GetParam().input, GetParam().output);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -28,18 +28,12 @@ std::string banner(const char *name) {
     return kBanners + "/banner[banner-name='" + name + "']";
 }
 
-struct Case {
-    const char *name;
-    uint32_t kind;
-    const char *request;
-    std::string output;
-    friend void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
-};
+using Case = test::Walk;
 
 class HostNameToNative : public ::testing::TestWithParam<Case> {};
 
 TEST_P(HostNameToNative, Output) {
-    test::expect_walk(kSystem, GetParam().kind, oc_system(GetParam().request), GetParam().output);
+    test::expect_walk(kSystem, GetParam().kind, oc_system(GetParam().input), GetParam().output);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -24,20 +24,10 @@ std::string native(std::string_view body) {
     return test::native("Tarvex-QV-crypto-ssh-cfg", "ssh", body);
 }
 
-struct Case {
-    const char *name;
-    uint32_t kind;
-    std::string input;
-    std::string output;
-    friend void PrintTo(const Case &c, std::ostream *os) { *os << c.name; }
-};
+using Case = test::Walk;
 
 void expect_mapped(yfw_map_walker_fn walker, const Case &c, const std::string &xml) {
-    Request r(c.kind);
-    ASSERT_EQ(r.run(walker, xml), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), c.output);
-    EXPECT_EQ(r.error_tag(), "");
-    r.expect_state_restored();
+    test::expect_walk(walker, c.kind, xml, c.output);
 }
 
 // ---- OpenConfig to native ---------------------------------------------------------

@@ -88,15 +88,27 @@ private:
     yfw::Session session_;
 };
 
-// Walks `xml` with `walker` and expects success, exactly `want` as output,
-// and the walk state put back.
+// Walks `xml` with `walker` and expects success, exactly `want` as output, no
+// refused tag kept, and the walk state put back.
 inline void expect_walk(yfw_map_walker_fn walker, uint32_t kind, std::string_view xml,
                         std::string_view want, bool oper_only = false) {
     Request r(kind, oper_only);
     ASSERT_EQ(r.run(walker, xml), YFW_SUCCESS);
     EXPECT_EQ(r.paths(), want);
+    EXPECT_EQ(r.error_tag(), "");
     r.expect_state_restored();
 }
+
+// One row of a table of walks: the input, and the whole output of the walk,
+// which succeeds.
+struct Walk {
+    const char *name;
+    uint32_t kind;
+    std::string input;
+    std::string output;
+    bool oper_only = false;
+    friend void PrintTo(const Walk &c, std::ostream *os) { *os << c.name; }
+};
 
 // Names the cases of a parameterised suite by their `name` member.
 inline constexpr auto case_name = [](const auto &info) { return std::string(info.param.name); };
