@@ -8,7 +8,6 @@ using test::Request;
 
 constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
 constexpr auto kBanners = &ymap_qo_ocsystem_tarvexqvinfrainfracfg_lvla_banners;
-constexpr auto kOcSystemOper = &ymap_qo_ocsystem_tarvexqvprivateocsystemoper_lvla_ocsystem;
 
 std::string config(std::string_view body, std::string_view attrs = "") {
     return test::oc_system("<config" + std::string(attrs) + ">" + std::string(body) + "</config>");
@@ -29,31 +28,27 @@ std::string in_entry(std::string_view name) {
 }
 
 TEST(Banners, ReadSelectsTheTextOfEveryBannerWithoutAKey) {
-    Request r(KIND_GET_CONFIG);
-    ASSERT_EQ(r.run(kSystem, config("<login-banner/>")), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), test::chain(kList + "/banner/banner-text"));
+    test::expect_walk(kSystem, KIND_GET_CONFIG, config("<login-banner/>"),
+                      test::chain(kList + "/banner/banner-text"));
 }
 
 TEST(Banners, EditWritesTheEntryWithItsKey) {
-    Request r(KIND_EDIT_A);
-    ASSERT_EQ(r.run(kSystem, config("<login-banner>Welcome</login-banner><motd-banner/>",
-                                    " nc:operation=\"merge\"")),
-              YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), kList + "\n" +
-                             test::under(in_entry("login"), {"", "/banner-name = \"login\"",
-                                                             "/banner-text = \"Welcome\" @merge"}) +
-                             test::under(in_entry("motd"), {"", "/banner-name = \"motd\"",
-                                                            "/banner-text = \"\" @merge"}));
-    r.expect_state_restored();
+    test::expect_walk(
+        kSystem, KIND_EDIT_A,
+        config("<login-banner>Welcome</login-banner><motd-banner/>", " nc:operation=\"merge\""),
+        kList + "\n" +
+            test::under(in_entry("login"),
+                        {"", "/banner-name = \"login\"", "/banner-text = \"Welcome\" @merge"}) +
+            test::under(in_entry("motd"),
+                        {"", "/banner-name = \"motd\"", "/banner-text = \"\" @merge"}));
 }
 
 TEST(Banners, DeleteOfTheLoginBannerNamesTheEntryAndItsText) {
-    Request r(KIND_EDIT_A);
-    ASSERT_EQ(r.run(kSystem, config("<login-banner nc:operation=\"delete\"/>")), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(),
-              kList + "\n" +
-                  test::under(in_entry("login"), {" @delete", "/banner-name = \"login\" @delete",
-                                                  "/banner-text = \"login\" @delete"}));
+    test::expect_walk(
+        kSystem, KIND_EDIT_A, config("<login-banner nc:operation=\"delete\"/>"),
+        kList + "\n" +
+            test::under(in_entry("login"), {" @delete", "/banner-name = \"login\" @delete",
+                                            "/banner-text = \"login\" @delete"}));
 }
 
 TEST(Banners, EntriesLandOnLoginWhenTheNameBeginsWithLoginAndOnMotdOtherwise) {
@@ -77,21 +72,6 @@ TEST(Banners, AnEmptyTextPassesUnchangedForAnyRead) {
               YFW_SUCCESS);
     EXPECT_EQ(r.paths(), "/openconfig-system:system\n/openconfig-system:system/config\n"
                          "/openconfig-system:system/config/motd-banner = \"\"\n");
-}
-
-TEST(Banners, StateLeavesComeFromThePrivateModuleInGetOnly) {
-    const std::string oper = "<ocsystem xmlns=\"http://tarvex.local/ns/yang/"
-                             "Tarvex-QV-PRIVATE-oc-system-oper\"><system><state>"
-                             "<login-banner>hi</login-banner><motd-banner>news</motd-banner>"
-                             "</state></system></ocsystem>";
-    Request get(KIND_GET);
-    ASSERT_EQ(get.run(kOcSystemOper, oper), YFW_SUCCESS);
-    EXPECT_EQ(get.paths(), "/openconfig-system:system\n/openconfig-system:system/state\n"
-                           "/openconfig-system:system/state/login-banner = \"hi\"\n"
-                           "/openconfig-system:system/state/motd-banner = \"news\"\n");
-    Request get_config(KIND_GET_CONFIG);
-    ASSERT_EQ(get_config.run(kOcSystemOper, oper), YFW_SUCCESS);
-    EXPECT_EQ(get_config.paths(), "");
 }
 
 } // namespace

@@ -48,24 +48,22 @@ INSTANTIATE_TEST_SUITE_P(
     test::case_name);
 
 TEST(Clock, NativeAreaNameIsTheTimeZoneNameForAnyRead) {
-    Request r(KIND_GET, /*oper_only=*/true);
-    ASSERT_EQ(r.run(kClock, native("<time-zone><area-name>Asia/Tokyo</area-name>"
-                                   "<time-zone-name>JST</time-zone-name></time-zone>")),
-              YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), "/openconfig-system:system\n/openconfig-system:system/clock\n"
-                         "/openconfig-system:system/clock/config\n"
-                         "/openconfig-system:system/clock/config/timezone-name = \"Asia/Tokyo\"\n");
+    test::expect_walk(kClock, KIND_GET,
+                      native("<time-zone><area-name>Asia/Tokyo</area-name>"
+                             "<time-zone-name>JST</time-zone-name></time-zone>"),
+                      "/openconfig-system:system\n/openconfig-system:system/clock\n"
+                      "/openconfig-system:system/clock/config\n"
+                      "/openconfig-system:system/clock/config/timezone-name = \"Asia/Tokyo\"\n",
+                      true);
 }
 
 TEST(Clock, NativeZoneNameAloneGivesNothingAndAnEmptyTimeZoneGivesTheContainer) {
-    Request only_zone(KIND_GET_CONFIG);
-    ASSERT_EQ(only_zone.run(kClock, native("<time-zone><time-zone-name>JST</time-zone-name>"
-                                           "</time-zone>")),
-              YFW_SUCCESS);
-    EXPECT_EQ(only_zone.paths(), "");
-    Request empty(KIND_GET_CONFIG);
-    ASSERT_EQ(empty.run(kClock, native("<time-zone/>")), YFW_SUCCESS);
-    EXPECT_EQ(empty.paths(), test::chain("/openconfig-system:system/clock/config"));
+    test::expect_walk(kClock, KIND_GET_CONFIG,
+                      native("<time-zone><time-zone-name>JST</time-zone-name>"
+                             "</time-zone>"),
+                      "");
+    test::expect_walk(kClock, KIND_GET_CONFIG, native("<time-zone/>"),
+                      test::chain("/openconfig-system:system/clock/config"));
 }
 
 } // namespace

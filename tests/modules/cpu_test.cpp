@@ -44,30 +44,13 @@ TEST(Cpu, StateIndexInARequestIsRefused) {
 }
 
 TEST(Cpu, NativeEntryComesBackUnderItsIndex) {
-    Request r(KIND_GET);
-    ASSERT_EQ(r.run(kCpuOper, native(native_cpu("0", "<hardware-interrupt><max-time>12</max-time>"
-                                                     "</hardware-interrupt>"))),
-              YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), test::chain(kCpu0) +
-                             test::under(kCpu0, {"/index = \"0\"", "/state", "/state/index = \"0\"",
-                                                 "/state/hardware-interrupt",
-                                                 "/state/hardware-interrupt/max-time = \"12\""}));
-    r.expect_state_restored();
-}
-
-TEST(Cpu, AStitchedEntryLandsOnTheExistingEntryOfTheSameIndex) {
-    Request r(KIND_GET);
-    ASSERT_EQ(r.run(kCpuOper, native(native_cpu("0", "<total><avg>5</avg></total>") +
-                                     native_cpu("1", "<total><avg>6</avg></total>"))),
-              YFW_SUCCESS);
-    ASSERT_EQ(r.run(kCpuOper, native(native_cpu("0", "<idle><avg>90</avg></idle>"))), YFW_SUCCESS);
-    const std::string out = r.paths();
-    EXPECT_NE(out.find(kCpu0 + "/state/idle/avg = \"90\"\n"), std::string::npos) << out;
-    std::size_t entries = 0;
-    for (std::size_t at = out.find(kCpu0 + "\n"); at != std::string::npos;
-         at = out.find(kCpu0 + "\n", at + 1))
-        ++entries;
-    EXPECT_EQ(entries, 1u) << out;
+    test::expect_walk(kCpuOper, KIND_GET,
+                      native(native_cpu("0", "<hardware-interrupt><max-time>12</max-time>"
+                                             "</hardware-interrupt>")),
+                      test::chain(kCpu0) +
+                          test::under(kCpu0, {"/index = \"0\"", "/state", "/state/index = \"0\"",
+                                              "/state/hardware-interrupt",
+                                              "/state/hardware-interrupt/max-time = \"12\""}));
 }
 
 // Outside KIND_GET nothing is entered either way; the root augment parser

@@ -249,18 +249,14 @@ TEST(DnsAnswers, ConfigurationOfEveryVrfWithAndWithoutOperOnly) {
     const std::string servers = "O/dns/servers\n" + kServerOc + "\n" + kServerOc +
                                 "/address = \"192.0.2.53\"\n" + kServerOc + "/config\n" +
                                 kServerOc + "/config/address = \"192.0.2.53\"\n";
-    Request config(KIND_GET_CONFIG);
-    ASSERT_EQ(config.run(kIpDomain, kConfigAnswer), YFW_SUCCESS);
-    EXPECT_EQ(config.paths(),
-              expand(common + kHostOc + "/config\n" + kHostOc + "/config/hostname = \"h\"\n" +
-                     kHostOc + "/config/ipv4-address = \"192.0.2.1\"\n" + kHostOc +
-                     "/config/ipv4-address = \"192.0.2.2\"\n" + kHostOc +
-                     "/config/ipv6-address = \"2001:db8::1\"\n" + servers));
-    config.expect_state_restored();
+    test::expect_walk(kIpDomain, KIND_GET_CONFIG, kConfigAnswer,
+                      expand(common + kHostOc + "/config\n" + kHostOc +
+                             "/config/hostname = \"h\"\n" + kHostOc +
+                             "/config/ipv4-address = \"192.0.2.1\"\n" + kHostOc +
+                             "/config/ipv4-address = \"192.0.2.2\"\n" + kHostOc +
+                             "/config/ipv6-address = \"2001:db8::1\"\n" + servers));
 
-    Request oper(KIND_GET, /*oper_only=*/true);
-    ASSERT_EQ(oper.run(kIpDomain, kConfigAnswer), YFW_SUCCESS);
-    EXPECT_EQ(oper.paths(), expand(common + servers));
+    test::expect_walk(kIpDomain, KIND_GET, kConfigAnswer, expand(common + servers), true);
 }
 
 TEST(DnsAnswers, OperationalTreeInGet) {
@@ -281,9 +277,7 @@ TEST(DnsAnswers, OperationalTreeInGet) {
 }
 
 TEST(DnsAnswers, OperationalTreeOutsideGetMapsNothingAndStillMarks) {
-    Request r(KIND_GET_CONFIG);
-    ASSERT_EQ(r.run(kOcDns, kOperAnswer), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), "");
+    test::expect_walk(kOcDns, KIND_GET_CONFIG, kOperAnswer, "");
     EXPECT_EQ(ymap::module_state().is_ocsystem_dns_oper, 1);
 }
 

@@ -161,9 +161,7 @@ class GrpcBoolToNative : public Grpc, public ::testing::WithParamInterface<BoolC
 
 TEST_P(GrpcBoolToNative, Edit) {
     const BoolCase &c = GetParam();
-    Request r(KIND_EDIT_A);
-    ASSERT_EQ(r.run(kSystem, server("a", c.leaf)), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), named("a") + c.output);
+    test::expect_walk(kSystem, KIND_EDIT_A, server("a", c.leaf), named("a") + c.output);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -186,9 +184,8 @@ INSTANTIATE_TEST_SUITE_P(
                  kNative + "/port = \"57400\"\n" + kNative + "/certificate-id = \"c\"\n"}));
 
 TEST_F(Grpc, EnableFalseRemovesTheWholeContainer) {
-    Request r(KIND_EDIT_A);
-    ASSERT_EQ(r.run(kSystem, server("a", "<enable>false</enable>")), YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), kNative + " @remove\n" + kNative + "/name = \"a\"\n");
+    test::expect_walk(kSystem, KIND_EDIT_A, server("a", "<enable>false</enable>"),
+                      kNative + " @remove\n" + kNative + "/name = \"a\"\n");
 }
 
 TEST_F(Grpc, NativeBooleansBecomeOpenConfigOnes) {

@@ -170,6 +170,8 @@ TEST(LoggingToNative, DeletesTakeOneServerOrTheWholeVrf) {
                                             "/hosts/host @remove", "/hosts/host/host-name @remove",
                                             "/hosts/host/host-severity-port",
                                             "/hosts/host/host-severity-port/port = \"\" @remove"}));
+    // The deleted container leaves its tag behind in error_tag.
+    EXPECT_EQ(all.error_tag(), "remote-servers");
     all.expect_state_restored();
 }
 
@@ -220,18 +222,16 @@ TEST(LoggingToNative, ThePortIsCheckedOnItsLow32Bits) {
 }
 
 TEST(LoggingToNative, ConsoleAndMessagesLevelsSpeakTheConsoleDialect) {
-    Request r(KIND_EDIT_A);
-    ASSERT_EQ(r.run(kSystem, test::oc_system(
-                                 "<logging><console><selectors><selector><facility>NONE</facility>"
-                                 "<severity>DISABLE</severity><config><severity>DISABLE"
-                                 "</severity></config></selector></selectors></console></logging>"
-                                 "<messages><config><severity>DISABLE</severity></config>"
-                                 "</messages>")),
-              YFW_SUCCESS);
-    EXPECT_EQ(r.paths(),
-              under(kN, {"", "/console-logging", "/console-logging/logging-level = \"disable\"",
-                         "/yang-logging", "/yang-logging/logging-level = \"disable\""}));
-    // A read through the key filters by the OpenConfig word itself.
+    test::expect_walk(
+        kSystem, KIND_EDIT_A,
+        test::oc_system("<logging><console><selectors><selector><facility>NONE</facility>"
+                        "<severity>DISABLE</severity><config><severity>DISABLE"
+                        "</severity></config></selector></selectors></console></logging>"
+                        "<messages><config><severity>DISABLE</severity></config></messages>"),
+        under(kN, {"", "/console-logging", "/console-logging/logging-level = \"disable\"",
+                   "/yang-logging", "/yang-logging/logging-level = \"disable\""}));
+    // A read through the key filters by the OpenConfig word itself. Not
+    // expect_walk: the read leaves the selector's tag in error_tag.
     Request read(KIND_GET_CONFIG);
     ASSERT_EQ(read.run(kSystem, test::oc_system("<logging><console><selectors><selector>"
                                                 "<facility>NONE</facility><severity>INFORMATIONAL"
@@ -380,13 +380,11 @@ TEST(Messages, TheStandAloneModelRefusesEveryLeafAndSyslogServiceIsDropped) {
                   YFW_ERR_UNSUPPORTED_TAG);
         EXPECT_EQ(r.error_tag(), tag);
     }
-    Request r(KIND_GET);
-    ASSERT_EQ(r.run(&ymap_qo_ocsystem_tarvexqvinfrasyslogcfg_lvla_syslogservice,
-                    test::native("Tarvex-QV-infra-syslog-cfg", "syslog-service",
-                                 "<timestamps><log><log-datetime><msec/></log-datetime></log>"
-                                 "</timestamps>")),
-              YFW_SUCCESS);
-    EXPECT_EQ(r.paths(), "");
+    test::expect_walk(&ymap_qo_ocsystem_tarvexqvinfrasyslogcfg_lvla_syslogservice, KIND_GET,
+                      test::native("Tarvex-QV-infra-syslog-cfg", "syslog-service",
+                                   "<timestamps><log><log-datetime><msec/></log-datetime></log>"
+                                   "</timestamps>"),
+                      "");
 }
 
 } // namespace

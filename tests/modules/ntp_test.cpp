@@ -53,14 +53,7 @@ std::string oc(std::string_view ntp) {
     return test::oc_system("<ntp>" + std::string(ntp) + "</ntp>");
 }
 
-struct Answer {
-    const char *name;
-    uint32_t kind;
-    bool oper_only;
-    std::string input;
-    std::string output;
-    friend void PrintTo(const Answer &c, std::ostream *os) { *os << c.name; }
-};
+using Answer = test::Walk;
 
 // The whole output of one walk, which succeeds and leaves no refusal behind.
 void expect_mapped(yfw_map_walker_fn walker, const Answer &c, const std::string &xml) {
@@ -83,13 +76,13 @@ INSTANTIATE_TEST_SUITE_P(
     ::testing::Values(
         // The native iburst leaf has no branch: it never reaches the answer.
         Answer{
-            "get_config_has_config_only", KIND_GET_CONFIG, false,
+            "get_config_has_config_only", KIND_GET_CONFIG,
             peer("default", "ipv4", "192.0.2.1", "server", "3"),
             kAnswerHead + kOcNtp + "/servers\n" +
                 under(kV4, {"", "/address = \"192.0.2.1\"", "/config",
                             "/config/address = \"192.0.2.1\"", "/config/port = \"123\"",
                             "/config/association-type = \"SERVER\"", "/config/version = \"3\""})},
-        Answer{"get_has_both", KIND_GET, false, peer("default", "ipv4", "192.0.2.1", "peer", "4"),
+        Answer{"get_has_both", KIND_GET, peer("default", "ipv4", "192.0.2.1", "peer", "4"),
                kAnswerHead + kOcNtp + "/servers\n" +
                    under(kV4, {"", "/address = \"192.0.2.1\"", "/config",
                                "/config/address = \"192.0.2.1\"", "/config/port = \"123\"",
@@ -97,21 +90,22 @@ INSTANTIATE_TEST_SUITE_P(
                                "/state", "/state/address = \"192.0.2.1\"", "/state/port = \"123\"",
                                "/state/association-type = \"PEER\"", "/state/version = \"4\""})},
         // The address leaves ignore oper_only; the port and peer-type leaves don't.
-        Answer{"oper_only_has_state_and_the_addresses", KIND_GET, true,
+        Answer{"oper_only_has_state_and_the_addresses", KIND_GET,
                peer("default", "ipv4", "192.0.2.1", "server", "3"),
                kAnswerHead + kOcNtp + "/servers\n" +
                    under(kV4, {"", "/address = \"192.0.2.1\"", "/config",
                                "/config/address = \"192.0.2.1\"", "/state",
                                "/state/address = \"192.0.2.1\"", "/state/port = \"123\"",
-                               "/state/association-type = \"SERVER\"", "/state/version = \"3\""})},
+                               "/state/association-type = \"SERVER\"", "/state/version = \"3\""}),
+               true},
         // The VRF name is not looked at; conversions fall back on odd values.
-        Answer{"ipv6_peer_of_another_vrf", KIND_GET_CONFIG, false,
+        Answer{"ipv6_peer_of_another_vrf", KIND_GET_CONFIG,
                peer("mgmt", "ipv6", "2001:db8::1", "pool", "10"),
                kAnswerHead + kOcNtp + "/servers\n" +
                    under(kV6, {"", "/address = \"2001:db8::1\"", "/config",
                                "/config/address = \"2001:db8::1\"", "/config/port = \"123\"",
                                "/config/association-type = \"ERROR\"", "/config/version = \"4\""})},
-        Answer{"keys_state_type_only_in_get", KIND_GET, false,
+        Answer{"keys_state_type_only_in_get", KIND_GET,
                "<authentication><keys><key><key-number>7</key-number>"
                "<authentication-key>s3cr3t</authentication-key></key></keys></authentication>",
                kAnswerHead + kOcNtp + "/ntp-keys\n" +
@@ -121,24 +115,25 @@ INSTANTIATE_TEST_SUITE_P(
                           "/config", "/config/key-id = \"7\"", "/config/key-value = \"s3cr3t\"",
                           "/config/key-type = \"NTP_AUTH_MD5\""})},
         // Key id reaches state outside KIND_GET_CONFIG, the key value only in KIND_GET.
-        Answer{"keys_oper_only", KIND_GET, true,
+        Answer{"keys_oper_only", KIND_GET,
                "<authentication><keys><key><key-number>7</key-number>"
                "<authentication-key>s3cr3t</authentication-key></key></keys></authentication>",
                kAnswerHead + kOcNtp + "/ntp-keys\n" +
                    under(key("7"),
                          {"", "/key-id = \"7\"", "/state", "/state/key-id = \"7\"",
-                          "/state/key-value = \"s3cr3t\"", "/state/key-type = \"NTP_AUTH_MD5\""})},
-        Answer{"enabled_is_the_mark_and_auth_the_empty_leaf", KIND_GET, false,
+                          "/state/key-value = \"s3cr3t\"", "/state/key-type = \"NTP_AUTH_MD5\""}),
+               true},
+        Answer{"enabled_is_the_mark_and_auth_the_empty_leaf", KIND_GET,
                "<authentication><enable/></authentication><max-associations>101</max-associations>",
                kAnswerHead + under(kOcNtp, {"/state", "/state/enable-ntp-auth = \"true\"",
                                             "/state/enabled = \"true\"", "/config",
                                             "/config/enable-ntp-auth = \"true\"",
                                             "/config/enabled = \"true\""})},
-        Answer{"another_limit_is_disabled", KIND_GET_CONFIG, false,
+        Answer{"another_limit_is_disabled", KIND_GET_CONFIG,
                "<max-associations>100</max-associations>",
                kAnswerHead + under(kOcNtp, {"/config", "/config/enabled = \"false\""})},
         // Subtrees with no counterpart pass without a trace in the answer.
-        Answer{"unmapped_subtrees_dropped", KIND_GET, false,
+        Answer{"unmapped_subtrees_dropped", KIND_GET,
                "<passive/><drift><file>f</file></drift><authentication><trusted-keys>"
                "<trusted-key><key-number>1</key-number></trusted-key></trusted-keys>"
                "</authentication>",
@@ -181,7 +176,7 @@ INSTANTIATE_TEST_SUITE_P(
     Requests, NtpEdit,
     ::testing::Values(
         // iburst true sets the empty leaf; prefer false removes it.
-        Answer{"server_set", KIND_EDIT_A, false,
+        Answer{"server_set", KIND_EDIT_A,
                "<servers><server><address>192.0.2.1</address><config><address>192.0.2.1"
                "</address><port>123</port><version>4</version><association-type>SERVER"
                "</association-type><iburst>true</iburst><prefer>false</prefer></config>"
@@ -190,14 +185,14 @@ INSTANTIATE_TEST_SUITE_P(
                    under(v4("192.0.2.1"), {"", "/address-ipv4 = \"192.0.2.1\""}) +
                    under(kType4, {"", "/ntp-version = \"4\"", "/peer-type = \"server\"",
                                   "/iburst = \"\"", "/preferred-peer @remove"})},
-        Answer{"ipv6_leaf_delete", KIND_EDIT_A, false,
+        Answer{"ipv6_leaf_delete", KIND_EDIT_A,
                "<servers><server><address>2001:db8::1</address><config>"
                "<version nc:operation=\"delete\"/></config></server></servers>",
                kEditHead + kVrf + "/peer-ipv6s\n" +
                    under(kV6Peer, {"", "/address-ipv6 = \"2001:db8::1\"", "/peer-type-ipv6",
                                    "/peer-type-ipv6/ntp-version @delete"})},
         // The delete of the association type takes its whole peer-type entry.
-        Answer{"association_type_delete", KIND_EDIT_A, false,
+        Answer{"association_type_delete", KIND_EDIT_A,
                "<servers><server><address>192.0.2.1</address><config>"
                "<association-type nc:operation=\"delete\"/></config></server></servers>",
                kEditHead + kVrf + "/peer-ipv4s\n" +
@@ -205,7 +200,7 @@ INSTANTIATE_TEST_SUITE_P(
                                            "/peer-type-ipv4[peer-type=''] @delete",
                                            "/peer-type-ipv4[peer-type='']/peer-type = \"\" "
                                            "@delete"})},
-        Answer{"entry_delete", KIND_EDIT_A, false,
+        Answer{"entry_delete", KIND_EDIT_A,
                "<servers><server nc:operation=\"delete\"><address>192.0.2.1</address></server>"
                "</servers>",
                kEditHead + kVrf + "/peer-ipv4s\n" +
@@ -214,7 +209,7 @@ INSTANTIATE_TEST_SUITE_P(
                           "/peer-type-ipv4 @remove", "/peer-type-ipv4/ntp-version @remove",
                           "/peer-type-ipv4/peer-type @remove", "/peer-type-ipv4/iburst @remove",
                           "/peer-type-ipv4/preferred-peer @remove"})},
-        Answer{"replace_removes_then_merges", KIND_EDIT_A, false,
+        Answer{"replace_removes_then_merges", KIND_EDIT_A,
                "<servers><server nc:operation=\"replace\"><address>192.0.2.1</address><config>"
                "<address>192.0.2.1</address><version>3</version></config></server></servers>",
                kEditHead + kVrf + "/peer-ipv4s\n" +
@@ -223,7 +218,7 @@ INSTANTIATE_TEST_SUITE_P(
                           "/peer-type-ipv4 @remove", "/peer-type-ipv4/ntp-version = \"3\" @merge",
                           "/peer-type-ipv4/peer-type @remove", "/peer-type-ipv4/iburst @remove",
                           "/peer-type-ipv4/preferred-peer @remove"})},
-        Answer{"key_entry", KIND_EDIT_A, false,
+        Answer{"key_entry", KIND_EDIT_A,
                "<config><enabled>true</enabled><enable-ntp-auth>false</enable-ntp-auth></config>"
                "<ntp-keys><ntp-key><key-id>7</key-id><config><key-id>7</key-id><key-type>"
                "NTP_AUTH_MD5</key-type><key-value>s3cr3t</key-value></config></ntp-key>"
@@ -235,7 +230,7 @@ INSTANTIATE_TEST_SUITE_P(
                                "/authentication/keys/key[key-number='7']/authentication-key = "
                                "\"s3cr3t\""})},
         // The read selects both families and the server's private entry.
-        Answer{"get_state_figure", KIND_GET, false,
+        Answer{"get_state_figure", KIND_GET,
                "<servers><server><address>192.0.2.1</address><state><stratum/></state>"
                "</server></servers>",
                kEditHead + kVrf + "/peer-ipv4s\n" +
