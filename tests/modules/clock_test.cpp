@@ -44,7 +44,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"bare_config_delete_takes_the_time_zone", KIND_EDIT_A,
              clock_config("", " nc:operation=\"delete\""), kClockLine + kZone + " @remove\n"},
         Case{"bare_config_edit_adds_the_container", KIND_EDIT_A, clock_config(""),
-             kClockLine + kZone + "\n"}),
+             kClockLine + kZone + "\n"},
+        Case{"bare_config_read_reads_the_area", KIND_GET_CONFIG, clock_config(""),
+             kClockLine + kZone + "\n" + kZone + "/area-name\n"}),
     test::case_name);
 
 TEST(Clock, NativeAreaNameIsTheTimeZoneNameForAnyRead) {

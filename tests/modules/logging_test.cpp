@@ -113,11 +113,9 @@ TEST(LoggingWords, OnlyWholeWordsOfTheirOwnDialectConvert) {
 // ---- OpenConfig to native ----------------------------------------------------------------
 
 TEST(LoggingToNative, AnEditedServerLandsInTheListOfItsHostForm) {
-    const std::pair<const char *, const Family *> cases[] = {{"192.0.2.1", &kIpv4},
-                                                             {"2001:db8::1", &kIpv6},
-                                                             {"::ffff:192.0.2.1", &kIpv6},
-                                                             {"log.example.net", &kHosts},
-                                                             {"1.2.3", &kHosts}};
+    const std::pair<const char *, const Family *> cases[] = {
+        {"192.0.2.1", &kIpv4},        {"2001:db8::1", &kIpv6}, {"::ffff:192.0.2.1", &kIpv6},
+        {"log.example.net", &kHosts}, {"1.2.3", &kHosts},      {"192.0.2.1.example", &kHosts}};
     for (const auto &[host, family] : cases) {
         Request r(KIND_EDIT_A);
         const std::string h(host);

@@ -209,6 +209,8 @@ INSTANTIATE_TEST_SUITE_P(
                           "/peer-type-ipv4 @remove", "/peer-type-ipv4/ntp-version @remove",
                           "/peer-type-ipv4/peer-type @remove", "/peer-type-ipv4/iburst @remove",
                           "/peer-type-ipv4/preferred-peer @remove"})},
+        // The servers container named bare in a merge writes nothing.
+        Answer{"empty_servers_merge_is_nothing", KIND_EDIT_A, "<servers/>", ""},
         Answer{"replace_removes_then_merges", KIND_EDIT_A,
                "<servers><server nc:operation=\"replace\"><address>192.0.2.1</address><config>"
                "<address>192.0.2.1</address><version>3</version></config></server></servers>",

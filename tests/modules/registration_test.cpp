@@ -1,6 +1,5 @@
 // The twenty mapping trees as the framework receives them.
 #include <cstring>
-#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -78,13 +77,6 @@ TEST(Registration, EveryRowFillsItsRecordAndLeavesTheFrameworksPointers) {
         row.reg(&again);
         EXPECT_EQ(std::memcmp(&again, &reg, sizeof reg), 0);
     }
-}
-
-TEST(Registration, OnlyThePrivateSystemModuleSharesItsNativeWalker) {
-    std::set<yfw_map_walker_fn> walkers;
-    for (const Row &row : kRows)
-        walkers.insert(row.native_to_oc);
-    EXPECT_EQ(walkers.size(), std::size(kRows) - 1);
 }
 
 TEST(Registration, LoadAndUnloadDoNothing) {
