@@ -8,6 +8,7 @@
 namespace {
 
 using test::Request;
+using test::under;
 
 constexpr auto kSystem = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
 constexpr auto kIpDomain = &ymap_qo_ocsystem_tarvexqvipdomaincfg_lvla_ipdomain;
@@ -245,16 +246,17 @@ TEST(DnsAnswers, ConfigurationOfEveryVrfWithAndWithoutOperOnly) {
     const std::string common = "O\nO/config\nO/config/domain-name = \"example.net\"\nO/dns\n"
                                "O/dns/config\nO/dns/config/search = \"a.example\"\n"
                                "O/dns/host-entries\n" +
-                               kHostOc + "\n" + kHostOc + "/hostname = \"h\"\n";
-    const std::string servers = "O/dns/servers\n" + kServerOc + "\n" + kServerOc +
-                                "/address = \"192.0.2.53\"\n" + kServerOc + "/config\n" +
-                                kServerOc + "/config/address = \"192.0.2.53\"\n";
+                               under(kHostOc, {"", "/hostname = \"h\""});
+    const std::string servers =
+        "O/dns/servers\n" + under(kServerOc, {"", "/address = \"192.0.2.53\"", "/config",
+                                              "/config/address = \"192.0.2.53\""});
     test::expect_walk(kIpDomain, KIND_GET_CONFIG, kConfigAnswer,
-                      expand(common + kHostOc + "/config\n" + kHostOc +
-                             "/config/hostname = \"h\"\n" + kHostOc +
-                             "/config/ipv4-address = \"192.0.2.1\"\n" + kHostOc +
-                             "/config/ipv4-address = \"192.0.2.2\"\n" + kHostOc +
-                             "/config/ipv6-address = \"2001:db8::1\"\n" + servers));
+                      expand(common +
+                             under(kHostOc, {"/config", "/config/hostname = \"h\"",
+                                             "/config/ipv4-address = \"192.0.2.1\"",
+                                             "/config/ipv4-address = \"192.0.2.2\"",
+                                             "/config/ipv6-address = \"2001:db8::1\""}) +
+                             servers));
 
     test::expect_walk(kIpDomain, KIND_GET, kConfigAnswer, expand(common + servers), true);
 }
@@ -265,13 +267,12 @@ TEST(DnsAnswers, OperationalTreeInGet) {
     EXPECT_EQ(r.paths(),
               expand("O\nO/state\nO/state/domain-name = \"example.net\"\nO/dns\n"
                      "O/dns/state\nO/dns/servers\n" +
-                     kServerOc + "\n" + kServerOc + "/address = \"192.0.2.53\"\n" + kServerOc +
-                     "/state\n" + kServerOc + "/state/address = \"192.0.2.53\"\n" + kServerOc +
-                     "/state/port = \"53\"\nO/dns/host-entries\n" + kHostOc + "\n" + kHostOc +
-                     "/hostname = \"h\"\n" + kHostOc + "/state\n" + kHostOc +
-                     "/state/hostname = \"h\"\n" + kHostOc +
-                     "/state/ipv4-address = \"192.0.2.1\"\n" + kHostOc +
-                     "/state/ipv4-address = \"192.0.2.2\"\n"));
+                     under(kServerOc, {"", "/address = \"192.0.2.53\"", "/state",
+                                       "/state/address = \"192.0.2.53\"", "/state/port = \"53\""}) +
+                     "O/dns/host-entries\n" +
+                     under(kHostOc, {"", "/hostname = \"h\"", "/state", "/state/hostname = \"h\"",
+                                     "/state/ipv4-address = \"192.0.2.1\"",
+                                     "/state/ipv4-address = \"192.0.2.2\""})));
     r.expect_state_restored();
     EXPECT_EQ(test::count_lines(r.session().debug_log(), "Unsupported tag `color`. Ignoring."), 1);
 }
