@@ -15,7 +15,6 @@
 
 #include "ocsysmap_io.hpp"
 #include "yang_support.hpp"
-#include "ymap_ocsystem.h"
 #include "ymap_ocsystem_modules.h"
 
 namespace {
@@ -58,20 +57,6 @@ std::vector<yang::Diagnostic> unexplained(const std::vector<yang::Diagnostic> &f
     return left;
 }
 
-const std::vector<yfw_map_reg_mod_t> &trees() {
-    static const std::vector<yfw_map_reg_mod_t> all = [] {
-#define OCSYSMAP_REGISTRATION_(fn) &fn,
-        constexpr std::array kRegistrations{YMAP_OCSYSTEM_REGISTRATIONS(OCSYSMAP_REGISTRATION_)};
-#undef OCSYSMAP_REGISTRATION_
-        std::vector<yfw_map_reg_mod_t> out(kRegistrations.size());
-        for (std::size_t i = 0; i < out.size(); ++i) {
-            kRegistrations[i](&out[i]);
-        }
-        return out;
-    }();
-    return all;
-}
-
 std::size_t count_leaves(const tidl_yfw_datatree &node) {
     std::size_t n = node.present_value ? 1 : 0;
     for (const auto &child :
@@ -109,7 +94,7 @@ Answer map_answer(std::string_view native_text, uint32_t kind) {
     }
     yfw::Session session(kind);
     for (tidl_yfw_datatree *root : ocsysmap::parse_input(session.arena(), native_text, true)) {
-        for (const auto &tree : trees()) {
+        for (const auto &tree : test::trees()) {
             if (root->tag == std::string_view(tree.native_root) &&
                 root->namespace_ == std::string_view(tree.native_namespace)) {
                 session.note_input(root);
@@ -320,7 +305,7 @@ std::string leaf_name(const yfw_map_reg_mod_t &tree, const Shape &leaf) {
 TEST(Conformance, GeneratedAnswersReachEveryMappedLeafAndAreDataOfTheModels) {
     OCSYSMAP_NEED_MODELS();
     std::set<std::string> covered;
-    for (const auto &tree : trees()) {
+    for (const auto &tree : test::trees()) {
         const ymap::WalkerRow *root_row = row_of(tree.native_to_oc);
         ASSERT_NE(root_row, nullptr) << tree.label;
         Shape root{tree.native_root, tree.native_namespace, false, {}, false, std::nullopt};

@@ -7,9 +7,16 @@
 #include <memory>
 #include <string>
 
+#include <array>
+#include <sstream>
+#include <string_view>
+#include <vector>
+
 #include <gtest/gtest.h>
 
 #include "oc_yang.hpp"
+#include "ocsysmap_cli.hpp"
+#include "ymap_ocsystem.h"
 
 namespace test {
 
@@ -18,10 +25,14 @@ inline std::filesystem::path source_dir() {
     return dir != nullptr ? dir : ".";
 }
 
+inline std::filesystem::path models_dir() {
+    return source_dir() / ".." / "shared" / "openconfig" / "models-2022-12";
+}
+
 // The models beside the checkout, loaded once; null when they are missing.
 inline const ocsysmap::yang::Models *models() {
     static const std::unique_ptr<ocsysmap::yang::Models> loaded = [] {
-        const auto dir = source_dir() / ".." / "shared" / "openconfig" / "models-2022-12";
+        const auto dir = models_dir();
         std::error_code ec;
         return std::filesystem::is_directory(dir, ec)
                    ? std::make_unique<ocsysmap::yang::Models>(dir)
@@ -47,6 +58,38 @@ inline std::string describe(const std::vector<ocsysmap::yang::Diagnostic> &found
         text += d.path + ": " + d.message + "\n";
     }
     return text;
+}
+
+// The library's trees, registered as the tool registers them.
+inline const std::vector<yfw_map_reg_mod_t> &trees() {
+    static const std::vector<yfw_map_reg_mod_t> all = [] {
+#define OCSYSMAP_REGISTRATION_(fn) &fn,
+        constexpr std::array kRegistrations{YMAP_OCSYSTEM_REGISTRATIONS(OCSYSMAP_REGISTRATION_)};
+#undef OCSYSMAP_REGISTRATION_
+        std::vector<yfw_map_reg_mod_t> out(kRegistrations.size());
+        for (std::size_t i = 0; i < out.size(); ++i) {
+            kRegistrations[i](&out[i]);
+        }
+        return out;
+    }();
+    return all;
+}
+
+struct Ran {
+    int rc;
+    std::string out;
+    std::string err;
+};
+
+// `ocsysmap map --kind KIND ARGS... -` with `input` on standard input.
+inline Ran map(std::string_view kind, std::vector<std::string_view> args, std::string_view input) {
+    std::vector<std::string_view> all{"map", "--kind", kind};
+    all.insert(all.end(), args.begin(), args.end());
+    all.push_back("-");
+    std::istringstream in{std::string(input)};
+    std::ostringstream out, err;
+    const int rc = ocsysmap::run(all, in, out, err, trees());
+    return {rc, out.str(), err.str()};
 }
 
 } // namespace test

@@ -324,7 +324,12 @@ public:
         }
         for (const lyd_node *child = lyd_child(node); child != nullptr; child = child->next) {
             if (!(child->flags & LYD_DEFAULT)) {
-                fill(*arena_.append_child(&out), child);
+                tidl_yfw_datatree &c = *arena_.append_child(&out);
+                fill(c, child);
+                // An opaque node without a module is of its parent's.
+                if (c.namespace_ == nullptr) {
+                    c.namespace_ = out.namespace_;
+                }
             }
         }
     }
@@ -352,7 +357,7 @@ private:
 
     void fill_opaque(tidl_yfw_datatree &out, const lyd_node_opaq *node) {
         out.tag = arena_.text(node->name.name);
-        const char *ns = node->name.module_ns;
+        const char *ns = node->format == LY_VALUE_XML ? node->name.module_ns : nullptr;
         if (node->format == LY_VALUE_JSON && node->name.module_name != nullptr) {
             const lys_module *m = ly_ctx_get_module_implemented(node->ctx, node->name.module_name);
             ns = m != nullptr ? m->ns : nullptr;
@@ -494,9 +499,14 @@ void check_opaque_node(const ly_ctx *ctx, const lyd_node_opaq *o, const lysc_nod
 
 const lysc_node *schema_of_opaque(const ly_ctx *ctx, const lyd_node_opaq *o,
                                   const lysc_node *parent_schema) {
-    const lys_module *m = o->format == LY_VALUE_XML
-                              ? ly_ctx_get_module_implemented_ns(ctx, o->name.module_ns)
-                              : ly_ctx_get_module_implemented(ctx, o->name.module_name);
+    const char *named = o->name.module_ns; // or module_name: a union
+    const lys_module *m = named == nullptr            ? nullptr
+                          : o->format == LY_VALUE_XML ? ly_ctx_get_module_implemented_ns(ctx, named)
+                                                      : ly_ctx_get_module_implemented(ctx, named);
+    // An unqualified JSON name is of its parent's module.
+    if (named == nullptr && parent_schema != nullptr) {
+        m = parent_schema->module;
+    }
     return m != nullptr ? lys_find_child(parent_schema, m, o->name.name, 0, 0, 0) : nullptr;
 }
 
