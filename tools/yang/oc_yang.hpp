@@ -101,7 +101,7 @@ std::string print(const lyd_node *tree, Format format);
 Data parse(const Models &models, std::string_view text, Format format, Content content);
 
 // Checks the tree against the models as `content`; an empty result is valid.
-// May add default nodes to `tree`.
+// The tree comes back as it was (the defaults validation adds are removed).
 std::vector<Diagnostic> validate(const Models &models, Data &tree, Content content);
 
 } // namespace ocsysmap::yang
