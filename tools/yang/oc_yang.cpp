@@ -151,6 +151,15 @@ bool value_fits(const ly_ctx *ctx, const lysc_node *schema, std::string_view val
 
 // ---- Framework trees into typed data --------------------------------------
 
+// Where a node goes, spelt out only for a complaint.
+struct Where {
+    const lyd_node *parent;
+    std::string_view tag;
+    std::string str() const {
+        return (parent != nullptr ? path_of(parent) : std::string()) + "/" + std::string(tag);
+    }
+};
+
 class DataBuilder {
 public:
     explicit DataBuilder(const ly_ctx *ctx) : ctx_(ctx) {}
@@ -158,15 +167,14 @@ public:
     // Adds one framework node under `parent` (null: a top-level sibling of `first`).
     void add(lyd_node *parent, const lysc_node *parent_schema, const tidl_yfw_datatree &node,
              Data &first) {
-        const std::string where =
-            (parent != nullptr ? path_of(parent) : std::string()) + "/" + text_of(node.tag);
+        const Where where{parent, node.tag != nullptr ? node.tag : ""};
         const lys_module *module = module_of(node, parent_schema);
         const lysc_node *schema = module != nullptr && node.tag != nullptr
                                       ? lys_find_child(parent_schema, module, node.tag, 0, 0, 0)
                                       : nullptr;
         if (schema == nullptr) {
-            found_.push_back(
-                {where, "no such node in the models (namespace " + text_of(node.namespace_) + ")"});
+            found_.push_back({where.str(), "no such node in the models (namespace " +
+                                               text_of(node.namespace_) + ")"});
             return;
         }
         lyd_node *made = create(parent != nullptr ? lyd_child(parent) : first.get(), parent, schema,
@@ -208,7 +216,7 @@ private:
 
     // The existing instance of a container, else a new node of the schema.
     lyd_node *create(lyd_node *siblings, lyd_node *parent, const lysc_node *schema,
-                     const tidl_yfw_datatree &node, const std::string &where) {
+                     const tidl_yfw_datatree &node, const Where &where) {
         clean_errors(ctx_);
         lyd_node *made = nullptr;
         LY_ERR rc = LY_SUCCESS;
@@ -225,11 +233,11 @@ private:
         case LYS_LEAFLIST: {
             if (!node.present_value && schema->nodetype == LYS_LEAF &&
                 reinterpret_cast<const lysc_node_leaf *>(schema)->type->basetype != LY_TYPE_EMPTY) {
-                found_.push_back({where, "a leaf without a value"});
+                found_.push_back({where.str(), "a leaf without a value"});
                 return nullptr;
             }
             if (!detail::children_of(node).empty()) {
-                found_.push_back({where, "a leaf with child nodes"});
+                found_.push_back({where.str(), "a leaf with child nodes"});
                 return nullptr;
             }
             const std::string value = json_value(schema, text_of(node.value));
@@ -237,29 +245,23 @@ private:
             break;
         }
         default:
-            found_.push_back({where, "a node of a kind the tool does not print"});
+            found_.push_back({where.str(), "a node of a kind the tool does not print"});
             return nullptr;
         }
-        return finish(rc, made, where);
+        return finish(rc, made, where.str());
     }
 
     lyd_node *create_list(lyd_node *parent, const lysc_node *schema, const tidl_yfw_datatree &node,
-                          const std::string &where) {
+                          const Where &where) {
         std::vector<std::string> keys;
         for (const lysc_node *k = lysc_node_child(schema); k != nullptr && lysc_is_key(k);
              k = k->next) {
             const tidl_yfw_datatree *key = key_node(node, k->name);
             if (key == nullptr || !key->present_value) {
-                found_.push_back({where, "a list entry without its key " + text_of(k->name)});
+                found_.push_back({where.str(), "a list entry without its key " + text_of(k->name)});
                 return nullptr;
             }
             keys.push_back(json_value(k, text_of(key->value)));
-            // A refused key is told at its own path.
-            clean_errors(ctx_);
-            if (!value_fits(ctx_, k, keys.back())) {
-                finish(LY_EVALID, nullptr, where + "/" + k->name);
-                return nullptr;
-            }
         }
         lyd_node *made = nullptr;
         const lys_module *m = schema->module;
@@ -280,10 +282,20 @@ private:
                               keys[2].c_str());
             break;
         default:
-            found_.push_back({where, "a list with more than three keys"});
+            found_.push_back({where.str(), "a list with more than three keys"});
             return nullptr;
         }
-        return finish(rc, made, where);
+        if (rc != LY_SUCCESS) {
+            // A refused key is told at its own path.
+            std::size_t i = 0;
+            for (const lysc_node *k = lysc_node_child(schema); i < keys.size(); k = k->next, ++i) {
+                clean_errors(ctx_);
+                if (!value_fits(ctx_, k, keys[i])) {
+                    return finish(LY_EVALID, nullptr, where.str() + "/" + k->name);
+                }
+            }
+        }
+        return finish(rc, made, where.str());
     }
 
     static const tidl_yfw_datatree *key_node(const tidl_yfw_datatree &entry,
