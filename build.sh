@@ -8,7 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 
 PACKAGES=(cmake ninja-build g++ clang libgtest-dev libgmock-dev libbenchmark-dev
-          libxml2-dev nlohmann-json3-dev)
+          libxml2-dev nlohmann-json3-dev libyang2-dev libyang2-tools pkg-config)
 
 install_missing() {
     local missing=()
