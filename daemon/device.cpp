@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <vector>
 
 #include "io/io_detail.hpp"
@@ -137,7 +138,13 @@ std::string roots_xml(const tidl_yfw_datatree &document) {
 } // namespace
 
 Device::Device(std::span<const yfw_map_reg_mod_t> trees, StoreFile file)
-    : trees_(trees), file_(std::move(file)), store_(file_.load()) {}
+    : trees_(trees), file_(std::move(file)), store_(file_.load()) {
+    // A device starts with a store on disk, if only an empty one.
+    std::error_code ec;
+    if (!std::filesystem::exists(file_.path(), ec)) {
+        file_.save(store_);
+    }
+}
 
 std::optional<Failure> Device::edit(std::string_view config_xml, EditOptions options) {
     yfw::Session session(KIND_EDIT_A);

@@ -141,6 +141,11 @@ private:
             throw EditError("operation-not-supported", p.shown_path,
                             "operation " + std::to_string(op) + " on " + p.shown_path);
         }
+        // Only a delete may name entries by some of their keys.
+        if (!p.keys_complete) {
+            throw EditError("missing-element", p.shown_path,
+                            p.shown_path + " does not name all keys of its list");
+        }
         const int32_t below = op == kNoOperation ? kNoOperation : OP_MERGE;
         if (found != siblings.end()) {
             merge_into(*found, e, below, p);
@@ -149,10 +154,6 @@ private:
                 siblings.erase(found);
             }
             return;
-        }
-        if (!p.keys_complete) {
-            throw EditError("missing-element", p.shown_path,
-                            p.shown_path + " does not name all keys of its list");
         }
         Node fresh{e.tag, p.ns, {}, false, {}};
         merge_into(fresh, e, below, p);

@@ -17,6 +17,9 @@ inline constexpr std::string_view kNetconfModule = R"(module ietf-netconf {
   feature rollback-on-error;
   feature validate;
 
+  // Lets <filter> carry its unqualified type and select attributes.
+  extension get-filter-element-attributes;
+
   grouping running-only {
     choice datastore {
       mandatory true;
@@ -27,7 +30,7 @@ inline constexpr std::string_view kNetconfModule = R"(module ietf-netconf {
   rpc get-config {
     input {
       container source { uses running-only; }
-      anyxml filter;
+      anyxml filter { nc:get-filter-element-attributes; }
     }
     output { anyxml data; }
   }
@@ -62,7 +65,7 @@ inline constexpr std::string_view kNetconfModule = R"(module ietf-netconf {
     input { container target { uses running-only; } }
   }
   rpc get {
-    input { anyxml filter; }
+    input { anyxml filter { nc:get-filter-element-attributes; } }
     output { anyxml data; }
   }
   rpc close-session;
