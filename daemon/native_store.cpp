@@ -141,8 +141,12 @@ private:
             throw EditError("operation-not-supported", p.shown_path,
                             "operation " + std::to_string(op) + " on " + p.shown_path);
         }
-        // Only a delete may name entries by some of their keys.
-        if (!p.keys_complete) {
+        // Only a delete may name entries by some of their keys; anything else
+        // without all of them must agree with exactly one entry.
+        if (!p.keys_complete &&
+            (found == siblings.end() ||
+             std::count_if(siblings.begin(), siblings.end(),
+                           [&](const Node &n) { return matches(n, e, p); }) != 1)) {
             throw EditError("missing-element", p.shown_path,
                             p.shown_path + " does not name all keys of its list");
         }

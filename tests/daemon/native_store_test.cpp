@@ -64,15 +64,15 @@ struct EditCase {
 
 TEST(NativeStore, EditsApplyEachOperation) {
     const std::string one = ntp(peer("192.0.2.1", "<iburst></iburst>"));
+    const std::string two =
+        ntp("<peer-vrfs><peer-vrf><vrf-name>default</vrf-name><peer-ipv4s><peer-ipv4>"
+            "<address-ipv4>192.0.2.1</address-ipv4><iburst></iburst></peer-ipv4><peer-ipv4>"
+            "<address-ipv4>192.0.2.2</address-ipv4></peer-ipv4></peer-ipv4s></peer-vrf>"
+            "</peer-vrfs>");
     const EditCase cases[] = {
         {"merge makes a root", "", one, DefaultOperation::merge, one, nullptr},
         {"merge adds a second entry by its key", one, ntp(peer("192.0.2.2")),
-         DefaultOperation::merge,
-         ntp("<peer-vrfs><peer-vrf><vrf-name>default</vrf-name><peer-ipv4s><peer-ipv4>"
-             "<address-ipv4>192.0.2.1</address-ipv4><iburst></iburst></peer-ipv4><peer-ipv4>"
-             "<address-ipv4>192.0.2.2</address-ipv4></peer-ipv4></peer-ipv4s></peer-vrf>"
-             "</peer-vrfs>"),
-         nullptr},
+         DefaultOperation::merge, two, nullptr},
         {"merge changes a leaf", ntp("<max>1</max>"), ntp("<max>2</max>"), DefaultOperation::merge,
          ntp("<max>2</max>"), nullptr},
         {"delete takes the entry and the containers it empties", one + "",
@@ -89,7 +89,12 @@ TEST(NativeStore, EditsApplyEachOperation) {
         {"replace drops what it does not name", one,
          ntp(peer("192.0.2.1", "<prefer></prefer>", R"( nc:operation="replace")")),
          DefaultOperation::merge, ntp(peer("192.0.2.1", "<prefer></prefer>")), nullptr},
-        {"a new entry needs its key", one,
+        {"an entry without its key merges into the one entry it agrees with", one,
+         ntp("<peer-vrfs><peer-vrf><peer-ipv4s><peer-ipv4><prefer></prefer></peer-ipv4>"
+             "</peer-ipv4s></peer-vrf></peer-vrfs>"),
+         DefaultOperation::merge, ntp(peer("192.0.2.1", "<iburst></iburst><prefer></prefer>")),
+         nullptr},
+        {"an entry without its key among several", two,
          ntp("<peer-vrfs><peer-vrf><vrf-name>default</vrf-name><peer-ipv4s><peer-ipv4><iburst>"
              "</iburst></peer-ipv4></peer-ipv4s></peer-vrf></peer-vrfs>"),
          DefaultOperation::merge, "", "missing-element"},
