@@ -20,18 +20,22 @@
 
 #include "io/io_detail.hpp"
 #include "io/ocsysmap_io.hpp"
+#include "yang/oc_yang.hpp"
 #include "yfw/standin.hpp"
 
 namespace ocsysmap {
 namespace {
 
 constexpr std::string_view kUsage =
-    "usage: ocsysmap map --kind KIND [--oper-only] [--format paths|xml|json] [--trace]\n"
-    "                    [--sysdb PATH=VALUE]... FILE\n"
+    "usage: ocsysmap map --kind KIND [--oper-only] [--format paths|xml|json|ietf-json]\n"
+    "                    [--trace] [--sysdb PATH=VALUE]... [--models DIR] [--validate] FILE\n"
     "       ocsysmap modules\n"
     "KIND is get-config, get, edit-a, edit-b, edit-c or a number; FILE - reads standard input.\n"
     "--sysdb sets a system database item by its full path (PATH= sets it empty) and makes\n"
-    "the database present; without --sysdb this host has no system database.\n";
+    "the database present; without --sysdb this host has no system database.\n"
+    "--models DIR (else $OCSYSMAP_MODELS) reads and prints OpenConfig data through the\n"
+    "published models; --validate checks it against them (exit 3 when they refuse it);\n"
+    "ietf-json prints OpenConfig data as RFC 7951 JSON and needs the models.\n";
 
 // Exit 2 with the usage text.
 struct UsageError : std::runtime_error {
@@ -72,10 +76,12 @@ struct Format {
     std::string (*write)(const tidl_yfw_datatree &document);
 };
 
-constexpr std::array<Format, 3> kFormats{{
+// ietf-json has no writer of its own: the models print it.
+constexpr std::array<Format, 4> kFormats{{
     {"paths", to_paths},
     {"xml", to_xml},
     {"json", to_json},
+    {"ietf-json", nullptr},
 }};
 
 struct MapOptions {
@@ -85,6 +91,8 @@ struct MapOptions {
     bool trace = false;
     std::vector<std::pair<std::string_view, std::string_view>> sysdb_items;
     std::optional<std::string_view> file;
+    std::optional<std::string_view> models;
+    bool validate = false;
 };
 
 template <typename Table> auto find_by_name(const Table &table, std::string_view name) {
@@ -154,6 +162,10 @@ MapOptions parse_map_options(std::span<const std::string_view> args) {
             o.trace = true;
         } else if (arg == "--sysdb") {
             o.sysdb_items.push_back(sysdb_item_from(operand()));
+        } else if (arg == "--models") {
+            o.models = operand();
+        } else if (arg == "--validate") {
+            o.validate = true;
         } else if (arg.size() > 1 && arg.front() == '-') {
             throw UsageError("unknown option " + std::string(arg));
         } else if (o.file) {
@@ -261,15 +273,143 @@ void report(std::ostream &err, cerrno status, yfw::Session &session) {
     }
 }
 
+// ---- The OpenConfig side through the published models (--models) --------
+
+// The models refuse OpenConfig data: exit 3, each complaint with its path.
+struct Rejected {
+    std::string what;
+    std::vector<yang::Diagnostic> diagnostics;
+};
+
+std::optional<yang::Models> load_models(const MapOptions &options) {
+    const auto dir = yang::models_dir(options.models);
+    if (!dir) {
+        if (options.validate || options.format->write == nullptr) {
+            throw UsageError(std::string(options.validate ? "--validate" : "--format ietf-json") +
+                             " needs the models: --models DIR or OCSYSMAP_MODELS");
+        }
+        return std::nullopt;
+    }
+    try {
+        return std::optional<yang::Models>(std::in_place, *dir);
+    } catch (const yang::YangError &e) {
+        throw InputError(std::string("models: ") + e.what());
+    }
+}
+
+bool is_openconfig(const tidl_yfw_datatree &root) {
+    const yfw::Module *m =
+        root.namespace_ != nullptr ? yfw::module_by_namespace(root.namespace_) : nullptr;
+    return m != nullptr && m->name.starts_with("openconfig-");
+}
+
+// An object whose first member is module-qualified is RFC 7951 JSON; the
+// record form's keys never have a colon.
+bool is_ietf_json(std::string_view text) {
+    constexpr std::string_view kSpace = " \t\r\n";
+    auto at = text.find_first_not_of(kSpace);
+    if (at == std::string_view::npos || text[at] != '{') {
+        return false;
+    }
+    at = text.find_first_not_of(kSpace, at + 1);
+    if (at == std::string_view::npos || text[at] != '"') {
+        return false;
+    }
+    const auto end = text.find('"', at + 1);
+    return end != std::string_view::npos &&
+           text.substr(at + 1, end - at - 1).find(':') != std::string_view::npos;
+}
+
+// An OpenConfig request parsed again by the models, typed and checked.
+std::vector<tidl_yfw_datatree *> typed_request(const yang::Models &models, std::string_view text,
+                                               bool read_kind, bool validate, yfw::Arena &arena) {
+    const auto format = text.find_first_not_of(" \t\r\n\xEF\xBB\xBF") != std::string_view::npos &&
+                                text[text.find_first_not_of(" \t\r\n\xEF\xBB\xBF")] == '<'
+                            ? yang::Format::xml
+                            : yang::Format::json;
+    const auto content = read_kind ? yang::Content::filter : yang::Content::edit;
+    try {
+        yang::Data tree = yang::parse(models, text, format, content);
+        if (validate) {
+            if (auto found = yang::validate(models, tree, content); !found.empty()) {
+                throw Rejected{"request", std::move(found)};
+            }
+        }
+        return yang::from_lyd(arena, tree.get(), read_kind);
+    } catch (const yang::YangError &e) {
+        throw Rejected{"request", e.diagnostics};
+    }
+}
+
+// The output printed: OpenConfig roots by the models (checked with
+// --validate), native roots by the tool's own writers.
+std::string write_output(const MapOptions &options, const yang::Models *models,
+                         const tidl_yfw_datatree &document, yfw::Arena &arena) {
+    if (models == nullptr) {
+        return options.format->write(document);
+    }
+    std::vector<tidl_yfw_datatree *> native;
+    for (const tidl_yfw_datatree &root : detail::children_of(document)) {
+        if (!is_openconfig(root)) {
+            native.push_back(const_cast<tidl_yfw_datatree *>(&root));
+        }
+    }
+    yang::Data typed;
+    try {
+        typed = yang::to_lyd(*models, document);
+        if (options.validate) {
+            const auto content =
+                *options.kind == KIND_GET ? yang::Content::operational : yang::Content::config;
+            if (auto found = yang::validate(*models, typed, content); !found.empty()) {
+                throw Rejected{"answer", std::move(found)};
+            }
+        }
+    } catch (const yang::YangError &e) {
+        throw Rejected{"answer", e.diagnostics};
+    }
+    if (options.format->write == nullptr) {
+        if (!native.empty()) {
+            throw std::invalid_argument("native data is not in the models");
+        }
+        return yang::print(typed.get(), yang::Format::json);
+    }
+    if (options.format->write != to_xml) {
+        return options.format->write(document);
+    }
+    std::string text = native.empty() ? std::string() : to_xml(*document_of(arena, native));
+    return text + yang::print(typed.get(), yang::Format::xml);
+}
+
+void report_rejected(std::ostream &err, const Rejected &r) {
+    for (const yang::Diagnostic &d : r.diagnostics) {
+        err << "ocsysmap: the models refuse the " << r.what << ": "
+            << (d.path.empty() ? std::string("(top)") : d.path) << ": " << d.message << '\n';
+    }
+}
+
+// ---- end of the OpenConfig side --------------------------------------------
+
 int map_command(const MapOptions &options, std::istream &in, std::ostream &out, std::ostream &err,
                 std::span<const yfw_map_reg_mod_t> trees) {
     const std::string text = read_input(*options.file, in);
+    const std::optional<yang::Models> models = load_models(options);
     yfw::Session session(*options.kind, options.oper_only);
     std::vector<tidl_yfw_datatree *> roots;
+    const bool read_kind = yfw_map_is_read_kind(*options.kind);
     try {
-        roots = parse_input(session.arena(), text, yfw_map_is_read_kind(*options.kind));
+        roots = is_ietf_json(text) ? parse_ietf_json(session.arena(), text, read_kind)
+                                   : parse_input(session.arena(), text, read_kind);
     } catch (const ParseError &e) {
         throw InputError(input_name(*options.file) + ": " + e.what());
+    }
+    if (models && std::any_of(roots.begin(), roots.end(),
+                              [](const tidl_yfw_datatree *r) { return is_openconfig(*r); })) {
+        try {
+            roots = typed_request(*models, text, read_kind, options.validate, session.arena());
+        } catch (const Rejected &r) {
+            report_rejected(err, r);
+            return 3;
+        }
     }
     // Every root must have a tree before any is mapped.
     std::vector<yfw_map_walker_fn> walkers;
@@ -291,10 +431,14 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
 
     std::string printed;
     std::optional<std::string> write_error;
+    std::optional<Rejected> rejected;
     try {
-        printed = options.format->write(*session.output());
+        printed =
+            write_output(options, models ? &*models : nullptr, *session.output(), session.arena());
     } catch (const std::invalid_argument &e) {
         write_error = e.what();
+    } catch (Rejected &r) {
+        rejected = std::move(r);
     }
     if (options.trace) {
         print_lines(err, session.debug_log());
@@ -306,12 +450,18 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
     }
     // The tree goes out before the report, so that a reader of both streams
     // sees the status last.
-    if (!write_error) {
+    if (!write_error && !rejected) {
         out << printed << std::flush;
+    }
+    if (rejected) {
+        report_rejected(err, *rejected);
     }
     report(err, status, session);
     if (write_error) {
         return 2;
+    }
+    if (rejected) {
+        return 3;
     }
     return status == YFW_SUCCESS ? 0 : 1;
 }

@@ -38,4 +38,11 @@ std::string to_json(const tidl_yfw_datatree &document);
 // their subtrees), so that parsed roots can be handed to the writers.
 tidl_yfw_datatree *document_of(yfw::Arena &arena, std::span<tidl_yfw_datatree *const> roots);
 
+// RFC 7951 JSON without a schema: "module:name" members, objects for inner
+// nodes, arrays for lists and leaf-lists, [null] for an empty leaf, and the
+// ietf-netconf:operation annotation. Empty values select in a read kind under
+// a root that is not native, as in parse_input. Throws ParseError.
+std::vector<tidl_yfw_datatree *> parse_ietf_json(yfw::Arena &arena, std::string_view text,
+                                                 bool read_kind);
+
 } // namespace ocsysmap
