@@ -16,6 +16,7 @@ namespace ocsysmapd {
 namespace {
 
 using ocsysmap::detail::children_of;
+namespace yang = ocsysmap::yang;
 
 constexpr std::string_view kOcSystemNs = "http://openconfig.net/yang/system";
 
@@ -69,8 +70,13 @@ Failure mapping_failure(cerrno status, yfw::Session &session) {
     return f;
 }
 
-Failure input_failure(std::string_view what) {
-    return {"malformed-message", {}, {}, {}, std::string(what)};
+// What the models refuse never reaches the walkers.
+Failure model_failure(const yang::YangError &e) {
+    if (e.diagnostics.empty()) {
+        return {"invalid-value", {}, {}, {}, e.what()};
+    }
+    const yang::Diagnostic &first = e.diagnostics.front();
+    return {"invalid-value", {}, {}, first.path, first.message};
 }
 
 bool is_openconfig_root(const tidl_yfw_datatree &root, const yfw_map_reg_mod_t &tree) {
@@ -90,13 +96,25 @@ yfw_map_walker_fn native_walker(std::span<const yfw_map_reg_mod_t> trees, const 
 
 // Parses OpenConfig roots and runs each through the OpenConfig root walker;
 // the native tree is then the session's output.
-std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees, yfw::Session &session,
+std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
+                                 const yang::Models &models, yfw::Session &session,
                                  std::string_view text, bool read_kind,
                                  std::vector<tidl_yfw_datatree *> &roots, const EditOptions *edit) {
     try {
-        roots = ocsysmap::parse_input(session.arena(), text, read_kind);
+        const yang::Data data =
+            yang::parse(models, text, yang::Format::xml,
+                        read_kind ? yang::Content::filter : yang::Content::edit);
+        // The typed form of a filter loses its empty containers, which are
+        // selection nodes; a filter the models accept is read as text.
+        if (read_kind) {
+            roots = ocsysmap::parse_input(session.arena(), text, true);
+        } else if (data) {
+            roots = yang::from_lyd(session.arena(), data.get(), false);
+        }
+    } catch (const yang::YangError &e) {
+        return model_failure(e);
     } catch (const ocsysmap::ParseError &e) {
-        return input_failure(e.what());
+        return Failure{"malformed-message", {}, {}, {}, e.what()};
     }
     for (tidl_yfw_datatree *root : roots) {
         if (!is_openconfig_root(*root, trees.front())) {
@@ -124,21 +142,24 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees, yfw::
     return std::nullopt;
 }
 
-std::string roots_xml(const tidl_yfw_datatree &document) {
-    yfw::Arena arena;
-    std::string out;
-    for (const tidl_yfw_datatree &root : children_of(document)) {
-        tidl_yfw_datatree *single = arena.new_root();
-        *arena.append_child(single) = root;
-        out += ocsysmap::to_xml(*single);
+// The OpenConfig roots of an answer as the models print them.
+std::optional<Failure> answer_xml(const yang::Models &models, const tidl_yfw_datatree &document,
+                                  std::string &out) {
+    try {
+        const yang::Data typed = yang::to_lyd(models, document);
+        out = yang::print(typed.get(), yang::Format::xml);
+    } catch (const yang::YangError &e) {
+        Failure f = model_failure(e);
+        f.tag = "operation-failed";
+        return f;
     }
-    return out;
+    return std::nullopt;
 }
 
 } // namespace
 
-Device::Device(std::span<const yfw_map_reg_mod_t> trees, StoreFile file)
-    : trees_(trees), file_(std::move(file)), store_(file_.load()) {
+Device::Device(std::span<const yfw_map_reg_mod_t> trees, const yang::Models &models, StoreFile file)
+    : trees_(trees), models_(models), file_(std::move(file)), store_(file_.load()) {
     // A device starts with a store on disk, if only an empty one.
     std::error_code ec;
     if (!std::filesystem::exists(file_.path(), ec)) {
@@ -149,7 +170,7 @@ Device::Device(std::span<const yfw_map_reg_mod_t> trees, StoreFile file)
 std::optional<Failure> Device::edit(std::string_view config_xml, EditOptions options) {
     yfw::Session session(KIND_EDIT_A);
     std::vector<tidl_yfw_datatree *> roots;
-    if (auto failed = to_native(trees_, session, config_xml, false, roots, &options)) {
+    if (auto failed = to_native(trees_, models_, session, config_xml, false, roots, &options)) {
         return failed;
     }
     Forest changed = store_;
@@ -178,9 +199,9 @@ std::optional<Failure> Device::read(uint32_t kind, std::optional<std::string_vie
     const bool filtered = filter_xml && !filter_xml->empty();
     yfw::Session request(kind);
     std::vector<tidl_yfw_datatree *> filter_roots;
-    if (auto failed =
-            to_native(trees_, request, filtered ? *filter_xml : std::string_view(whole_system),
-                      true, filter_roots, nullptr)) {
+    if (auto failed = to_native(trees_, models_, request,
+                                filtered ? *filter_xml : std::string_view(whole_system), true,
+                                filter_roots, nullptr)) {
         return failed;
     }
     const Forest answer = select(store_, children_of(*request.output()));
@@ -200,8 +221,7 @@ std::optional<Failure> Device::read(uint32_t kind, std::optional<std::string_vie
         }
     }
     if (!filtered) {
-        data_xml = roots_xml(*reply.output());
-        return std::nullopt;
+        return answer_xml(models_, *reply.output(), data_xml);
     }
     // The native answer may hold more than the client named (a configuration
     // leaf's state twin, say); the client's own filter has the last word.
@@ -214,8 +234,7 @@ std::optional<Failure> Device::read(uint32_t kind, std::optional<std::string_vie
         filters.push_back(*root);
     }
     yfw::Arena arena;
-    data_xml = roots_xml(*to_document(arena, select(mapped, filters)));
-    return std::nullopt;
+    return answer_xml(models_, *to_document(arena, select(mapped, filters)), data_xml);
 }
 
 } // namespace ocsysmapd

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "native_store.hpp"
+#include "oc_yang.hpp"
 #include "yfw_map.h"
 
 namespace ocsysmapd {
@@ -34,8 +35,11 @@ struct EditOptions {
 
 class Device {
 public:
-    // Loads the store from `file`; throws std::runtime_error when it does not parse.
-    Device(std::span<const yfw_map_reg_mod_t> trees, StoreFile file);
+    // Loads the store from `file` (and writes an empty one when there is
+    // none); throws std::runtime_error when it does not parse. OpenConfig
+    // requests and answers go through `models`.
+    Device(std::span<const yfw_map_reg_mod_t> trees, const ocsysmap::yang::Models &models,
+           StoreFile file);
 
     // The content of <config> (OpenConfig roots). Nothing changes on failure.
     std::optional<Failure> edit(std::string_view config_xml, EditOptions options);
@@ -50,6 +54,7 @@ public:
 
 private:
     std::span<const yfw_map_reg_mod_t> trees_;
+    const ocsysmap::yang::Models &models_;
     StoreFile file_;
     Forest store_;
 };

@@ -39,9 +39,6 @@ constexpr std::string_view kUsage =
     "DIR (or OCSYSMAP_MODELS) holds the OpenConfig models. The login is admin/admin\n"
     "unless --user and --password say otherwise.\n";
 
-constexpr std::array<std::string_view, 4> kOpenConfigModules = {
-    "openconfig-system", "openconfig-system-grpc", "openconfig-messages", "openconfig-alarms"};
-
 constexpr const char *kEndpoint = "main";
 
 struct UsageError : std::runtime_error {
@@ -51,7 +48,7 @@ struct UsageError : std::runtime_error {
 struct Options {
     uint16_t port = 0;
     std::filesystem::path store;
-    std::filesystem::path models;
+    std::optional<std::filesystem::path> models;
     std::filesystem::path host_key;
     std::string user = "admin";
     std::string password = "admin";
@@ -77,7 +74,7 @@ Options parse_options(std::span<char *const> args) {
         } else if (arg == "--store") {
             o.store = operand();
         } else if (arg == "--models") {
-            o.models = operand();
+            o.models = std::filesystem::path(operand());
         } else if (arg == "--host-key") {
             o.host_key = operand();
         } else if (arg == "--user") {
@@ -91,12 +88,10 @@ Options parse_options(std::span<char *const> args) {
     if (o.port == 0 || o.store.empty()) {
         throw UsageError("--port and --store are required");
     }
-    if (o.models.empty()) {
-        const char *env = std::getenv("OCSYSMAP_MODELS");
-        if (env == nullptr || *env == '\0') {
-            throw UsageError("--models (or OCSYSMAP_MODELS) is required");
-        }
-        o.models = env;
+    o.models = ocsysmap::yang::models_dir(
+        o.models ? std::optional<std::string_view>(o.models->native()) : std::nullopt);
+    if (!o.models) {
+        throw UsageError("--models (or OCSYSMAP_MODELS) is required");
     }
     if (o.host_key.empty()) {
         o.host_key = o.store;
@@ -118,23 +113,6 @@ Context new_context(const char *searchdir, uint16_t options) {
         throw std::runtime_error("cannot make a YANG context");
     }
     return Context(raw);
-}
-
-// The OpenConfig models, searched for below `dir`. The server advertises them;
-// the requests' content reaches the device as text.
-Context load_models(const std::filesystem::path &dir) {
-    std::error_code ec;
-    if (!std::filesystem::is_directory(dir, ec)) {
-        throw std::runtime_error("the models directory " + dir.string() + " does not exist");
-    }
-    Context ctx = new_context(dir.c_str(), LY_CTX_DISABLE_SEARCHDIR_CWD | LY_CTX_REF_IMPLEMENTED);
-    for (std::string_view name : kOpenConfigModules) {
-        if (ly_ctx_load_module(ctx.get(), std::string(name).c_str(), nullptr, nullptr) == nullptr) {
-            throw std::runtime_error("cannot load the module " + std::string(name) + " from " +
-                                     dir.string());
-        }
-    }
-    return ctx;
 }
 
 // The protocol's own context: the operations and nothing else, so that the
@@ -412,17 +390,16 @@ void end_session(nc_pollsession *ps, nc_session *session) {
 }
 
 void run(const Options &options, std::span<const yfw_map_reg_mod_t> trees) {
-    ly_log_options(LY_LOSTORE);
-    const Context models = load_models(options.models);
+    const ocsysmap::yang::Models models(*options.models);
     Context ctx = protocol_context();
-    Device device(trees, ocsysmapd::StoreFile(options.store));
+    Device device(trees, models, ocsysmapd::StoreFile(options.store));
     ensure_host_key(options.host_key);
     g_server = {ctx.get(), &device, 0};
 
     if (nc_server_init(ctx.get()) != 0) {
         throw std::runtime_error("cannot start the NETCONF server");
     }
-    advertise(models.get());
+    advertise(models.context());
     Login login{options.user, options.password};
     nc_set_global_rpc_clb(serve);
     nc_server_ssh_set_hostkey_clb(host_key_path,

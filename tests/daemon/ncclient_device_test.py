@@ -31,14 +31,13 @@ EDITS = [
      "oc:dns/oc:servers/oc:server/oc:address", "192.0.2.53"),
     ("logging server",
      "<logging><remote-servers><remote-server><host>192.0.2.9</host><config><host>192.0.2.9"
-     "</host><remote-port>514</remote-port></config><selectors><selector><facility>NONE"
-     "</facility><severity>WARNING</severity><config><facility>NONE</facility><severity>"
-     "WARNING</severity></config></selector></selectors></remote-server></remote-servers>"
-     "</logging>",
+     "</host><remote-port>514</remote-port></config></remote-server></remote-servers></logging>",
      "oc:logging/oc:remote-servers/oc:remote-server/oc:config/oc:remote-port", "514"),
     ("user",
      "<aaa><authentication><users><user><username>alice</username><config><username>alice"
-     "</username><password>s3cret</password><role>SYSTEM_ROLE_ADMIN</role></config></user>"
+     "</username><password>s3cret</password><role "
+     'xmlns:oc-aaa-types="http://openconfig.net/yang/aaa/types">oc-aaa-types:SYSTEM_ROLE_ADMIN'
+     "</role></config></user>"
      "</users></authentication></aaa>",
      "oc:aaa/oc:authentication/oc:users/oc:user/oc:config/oc:username", "alice"),
 ]
@@ -92,8 +91,12 @@ class DeviceTest(unittest.TestCase):
         before = self.store_bytes()
         cases = [
             # body, error-tag, error-path, bad-element, error-app-tag
-            ("<config><bogus>1</bogus></config>", "unknown-element",
-             "/openconfig-system:system/config", "bogus", "YFW_ERR_UNSUPPORTED_TAG"),
+            # The models have it, the mapping refuses it.
+            ("<telnet-server><config><enable>true</enable></config></telnet-server>",
+             "unknown-element", "/openconfig-system:system/telnet-server/config", "enable",
+             "YFW_ERR_UNSUPPORTED_TAG"),
+            # The models refuse it before the mapping sees it.
+            ("<config><bogus>1</bogus></config>", "invalid-value", None, None, None),
             ('<config nc:operation="delete"><hostname>x</hostname></config>', "invalid-value",
              None, None, "YFW_ERR_INVALID_ARGS"),
             ('<ntp><servers><server nc:operation="delete"><address>198.51.100.7</address>'
