@@ -13,7 +13,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <libssh/libssh.h>
 #include <libyang/libyang.h>
@@ -48,7 +47,8 @@ struct UsageError : std::runtime_error {
 struct Options {
     uint16_t port = 0;
     std::filesystem::path store;
-    std::optional<std::filesystem::path> models;
+    std::optional<std::string_view> models_option;
+    std::filesystem::path models;
     std::filesystem::path host_key;
     std::string user = "admin";
     std::string password = "admin";
@@ -74,7 +74,7 @@ Options parse_options(std::span<char *const> args) {
         } else if (arg == "--store") {
             o.store = operand();
         } else if (arg == "--models") {
-            o.models = std::filesystem::path(operand());
+            o.models_option = operand();
         } else if (arg == "--host-key") {
             o.host_key = operand();
         } else if (arg == "--user") {
@@ -88,11 +88,11 @@ Options parse_options(std::span<char *const> args) {
     if (o.port == 0 || o.store.empty()) {
         throw UsageError("--port and --store are required");
     }
-    o.models = ocsysmap::yang::models_dir(
-        o.models ? std::optional<std::string_view>(o.models->native()) : std::nullopt);
-    if (!o.models) {
+    auto models = ocsysmap::yang::models_dir(o.models_option);
+    if (!models) {
         throw UsageError("--models (or OCSYSMAP_MODELS) is required");
     }
+    o.models = *models;
     if (o.host_key.empty()) {
         o.host_key = o.store;
         o.host_key += ".host-key";
@@ -107,18 +107,14 @@ struct CtxFree {
 };
 using Context = std::unique_ptr<ly_ctx, CtxFree>;
 
-Context new_context(const char *searchdir, uint16_t options) {
-    ly_ctx *raw = nullptr;
-    if (ly_ctx_new(searchdir, options, &raw) != LY_SUCCESS) {
-        throw std::runtime_error("cannot make a YANG context");
-    }
-    return Context(raw);
-}
-
 // The protocol's own context: the operations and nothing else, so that the
 // data models keep their context to themselves.
 Context protocol_context() {
-    Context ctx = new_context(nullptr, LY_CTX_DISABLE_SEARCHDIRS);
+    ly_ctx *raw = nullptr;
+    if (ly_ctx_new(nullptr, LY_CTX_DISABLE_SEARCHDIRS, &raw) != LY_SUCCESS) {
+        throw std::runtime_error("cannot make a YANG context");
+    }
+    Context ctx(raw);
     ly_in *in = nullptr;
     const std::string text(ocsysmapd::kNetconfModule);
     const char *features[] = {"*", nullptr};
@@ -164,6 +160,9 @@ void ensure_host_key(const std::filesystem::path &path) {
     if (rc != SSH_OK) {
         throw std::runtime_error("cannot write the host key " + path.string());
     }
+    // A private key is for the server's eyes only.
+    std::filesystem::permissions(path, std::filesystem::perms::owner_read |
+                                           std::filesystem::perms::owner_write);
 }
 
 int host_key_path(const char *, void *user_data, char **privkey_path, char **, NC_SSH_KEY_TYPE *) {
@@ -390,7 +389,7 @@ void end_session(nc_pollsession *ps, nc_session *session) {
 }
 
 void run(const Options &options, std::span<const yfw_map_reg_mod_t> trees) {
-    const ocsysmap::yang::Models models(*options.models);
+    const ocsysmap::yang::Models models(options.models);
     Context ctx = protocol_context();
     Device device(trees, models, ocsysmapd::StoreFile(options.store));
     ensure_host_key(options.host_key);
