@@ -323,10 +323,9 @@ bool is_ietf_json(std::string_view text) {
 // An OpenConfig request parsed again by the models, typed and checked.
 std::vector<tidl_yfw_datatree *> typed_request(const yang::Models &models, std::string_view text,
                                                bool read_kind, bool validate, yfw::Arena &arena) {
-    const auto format = text.find_first_not_of(" \t\r\n\xEF\xBB\xBF") != std::string_view::npos &&
-                                text[text.find_first_not_of(" \t\r\n\xEF\xBB\xBF")] == '<'
-                            ? yang::Format::xml
-                            : yang::Format::json;
+    // The text parsed already, as XML or as JSON by its first character.
+    const auto first = text.find_first_of("<{[");
+    const auto format = text[first] == '<' ? yang::Format::xml : yang::Format::json;
     const auto content = read_kind ? yang::Content::filter : yang::Content::edit;
     try {
         yang::Data tree = yang::parse(models, text, format, content);

@@ -463,6 +463,33 @@ bool is_relational(const Diagnostic &d) {
                        [&d](std::string_view start) { return d.message.starts_with(start); });
 }
 
+// Validation adds the models' defaults; an answer keeps what the device
+// said (state defaults would otherwise be printed as reported values).
+void remove_defaults(lyd_node *&first) {
+    std::vector<lyd_node *> added;
+    std::vector<lyd_node *> stack;
+    for (lyd_node *n = first; n != nullptr; n = n->next) {
+        stack.push_back(n);
+    }
+    while (!stack.empty()) {
+        lyd_node *n = stack.back();
+        stack.pop_back();
+        if (n->flags & LYD_DEFAULT) {
+            added.push_back(n);
+            continue;
+        }
+        for (lyd_node *c = lyd_child(n); c != nullptr; c = c->next) {
+            stack.push_back(c);
+        }
+    }
+    for (lyd_node *n : added) {
+        if (n == first) {
+            first = n->next;
+        }
+        lyd_free_tree(n);
+    }
+}
+
 // The ietf-netconf operation a node carries itself, empty when none.
 std::string_view own_operation(const lyd_node *n) {
     if (n->schema == nullptr) {
@@ -716,6 +743,7 @@ std::vector<Diagnostic> validate(const Models &models, Data &tree, Content conte
         const uint32_t options =
             LYD_VALIDATE_PRESENT | (content == Content::config ? LYD_VALIDATE_NO_STATE : 0);
         const LY_ERR rc = lyd_validate_all(&head, ctx, options, nullptr);
+        remove_defaults(head);
         tree.reset(head);
         if (rc != LY_SUCCESS) {
             found = errors_or(ctx, "", "invalid data");

@@ -38,7 +38,12 @@ inline constexpr std::string_view kModuleNames[] = {"openconfig-system", "openco
                                                     "openconfig-messages", "openconfig-alarms"};
 
 // A libyang context with the OpenConfig system models loaded from a directory
-// searched recursively. Throws YangError when a module is missing or broken.
+// searched recursively, with every module that defines identities
+// implemented (so that identity values resolve) and ietf-netconf for the
+// operation annotation (the directory's, else an empty module of that name,
+// to which libyang adds the annotation). Throws YangError when a module is
+// missing or broken. libyang's messages are kept, not logged
+// (ly_log_options(LY_LOSTORE), which is process-wide), for the diagnostics.
 class Models {
 public:
     explicit Models(const std::filesystem::path &dir);
@@ -96,7 +101,7 @@ std::string print(const lyd_node *tree, Format format);
 Data parse(const Models &models, std::string_view text, Format format, Content content);
 
 // Checks the tree against the models as `content`; an empty result is valid.
-// May add default nodes to `tree`.
+// The tree comes back as it was (the defaults validation adds are removed).
 std::vector<Diagnostic> validate(const Models &models, Data &tree, Content content);
 
 } // namespace ocsysmap::yang
