@@ -84,7 +84,11 @@ private:
                 p.keys_complete = false;
                 continue;
             }
-            p.shown_path += "[" + std::string(key) + "='" + text_of(k->value) + "']";
+            p.shown_path.append("[")
+                .append(key)
+                .append("='")
+                .append(text_of(k->value))
+                .append("']");
         }
         return p;
     }

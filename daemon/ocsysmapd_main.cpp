@@ -291,9 +291,12 @@ std::optional<std::string> any_text(const lyd_node *rpc, std::string_view name) 
 
 // Several roots go to the parser inside one wrapper.
 std::string wrapped(std::string_view wrapper, std::string_view content) {
-    const std::string ns(ocsysmap::detail::kNetconfNs);
-    return "<" + std::string(wrapper) + " xmlns=\"" + ns + "\" xmlns:nc=\"" + ns + "\">" +
-           std::string(content) + "</" + std::string(wrapper) + ">";
+    const std::string_view ns = ocsysmap::detail::kNetconfNs;
+    std::string out;
+    out.append("<").append(wrapper).append(" xmlns=\"").append(ns);
+    out.append("\" xmlns:nc=\"").append(ns).append("\">").append(content);
+    out.append("</").append(wrapper).append(">");
+    return out;
 }
 
 nc_server_reply *read_reply(lyd_node *rpc, uint32_t kind) {
