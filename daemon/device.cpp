@@ -1,0 +1,240 @@
+// A request as the device runs it: through the OpenConfig root walker to a
+// native tree, against the store, and back through each native root's walker.
+#include "device.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+#include "io/io_detail.hpp"
+#include "io/ocsysmap_io.hpp"
+
+namespace ocsysmapd {
+namespace {
+
+using ocsysmap::detail::children_of;
+namespace yang = ocsysmap::yang;
+
+constexpr std::string_view kOcSystemNs = "http://openconfig.net/yang/system";
+
+// How a mapping status reaches the client: its name, the NETCONF error-tag
+// and the message when the mapping left none.
+struct StatusRow {
+    cerrno status;
+    std::string_view name;
+    std::string_view tag;
+    std::string_view message;
+};
+
+constexpr std::array<StatusRow, 8> kStatuses{{
+    {YFW_ERR_INVALID_ARGS, "YFW_ERR_INVALID_ARGS", "invalid-value",
+     "the request names what cannot go together"},
+    {YFW_ERR_BAD_TREE, "YFW_ERR_BAD_TREE", "malformed-message", "the request tree is malformed"},
+    {YFW_ERR_UNSUPPORTED_TAG, "YFW_ERR_UNSUPPORTED_TAG", "unknown-element",
+     "Unsupported tag is specified in the request."},
+    {YFW_ERR_LIST_KEY, "YFW_ERR_LIST_KEY", "bad-element", "List key node error."},
+    {YFW_ERR_KEY_DELETE, "YFW_ERR_KEY_DELETE", "operation-not-supported",
+     "The key node should not have delete operation."},
+    {YFW_ERR_BAD_VALUE, "YFW_ERR_BAD_VALUE", "invalid-value", "the value is refused"},
+    {YFW_MAP_SKIP_NODE, "YFW_MAP_SKIP_NODE", "operation-failed", "the node was skipped"},
+    {YFW_ERR_UNSUPPORTED_AUGMENT, "YFW_ERR_UNSUPPORTED_AUGMENT", "unknown-element",
+     "the node is not supported at this place"},
+}};
+
+Failure mapping_failure(cerrno status, yfw::Session &session) {
+    const auto *row = std::find_if(kStatuses.begin(), kStatuses.end(),
+                                   [status](const StatusRow &r) { return r.status == status; });
+    Failure f;
+    if (row != kStatuses.end()) {
+        f.tag = row->tag;
+        f.app_tag = row->name;
+        f.message = row->message;
+    } else {
+        std::array<char, 11> hex{};
+        std::snprintf(hex.data(), hex.size(), "0x%08x", static_cast<unsigned>(status));
+        f.tag = "operation-failed";
+        f.app_tag = hex.data();
+        f.message = "the mapping failed";
+    }
+    const yfw_map_state *state = session.state();
+    if (state->error_message != nullptr) {
+        f.message = state->error_message;
+    }
+    if (state->error_tag != nullptr) {
+        f.element = state->error_tag;
+    }
+    f.path = session.error_path();
+    return f;
+}
+
+// What the models refuse never reaches the walkers.
+Failure model_failure(const yang::YangError &e) {
+    if (e.diagnostics.empty()) {
+        return {"invalid-value", {}, {}, {}, e.what()};
+    }
+    const yang::Diagnostic &first = e.diagnostics.front();
+    return {"invalid-value", {}, {}, first.path, first.message};
+}
+
+bool is_openconfig_root(const tidl_yfw_datatree &root, const yfw_map_reg_mod_t &tree) {
+    return root.tag != nullptr && root.namespace_ != nullptr &&
+           std::strcmp(root.tag, tree.oc_root) == 0 &&
+           std::strcmp(root.namespace_, tree.oc_namespace) == 0;
+}
+
+yfw_map_walker_fn native_walker(std::span<const yfw_map_reg_mod_t> trees, const Node &root) {
+    for (const yfw_map_reg_mod_t &tree : trees) {
+        if (root.tag == tree.native_root && root.ns == tree.native_namespace) {
+            return tree.native_to_oc;
+        }
+    }
+    return nullptr;
+}
+
+// Parses OpenConfig roots and runs each through the OpenConfig root walker;
+// the native tree is then the session's output.
+std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
+                                 const yang::Models &models, yfw::Session &session,
+                                 std::string_view text, bool read_kind,
+                                 std::vector<tidl_yfw_datatree *> &roots, const EditOptions *edit) {
+    try {
+        const yang::Data data =
+            yang::parse(models, text, yang::Format::xml,
+                        read_kind ? yang::Content::filter : yang::Content::edit);
+        // The typed form of a filter loses its empty containers, which are
+        // selection nodes; a filter the models accept is read as text.
+        if (read_kind) {
+            roots = ocsysmap::parse_input(session.arena(), text, true);
+        } else if (data) {
+            roots = yang::from_lyd(session.arena(), data.get(), false);
+        }
+    } catch (const yang::YangError &e) {
+        return model_failure(e);
+    } catch (const ocsysmap::ParseError &e) {
+        return Failure{"malformed-message", {}, {}, {}, e.what()};
+    }
+    for (tidl_yfw_datatree *root : roots) {
+        if (!is_openconfig_root(*root, trees.front())) {
+            // Nothing of another module lives on this device: a read selects
+            // nothing there, an edit is refused.
+            if (read_kind) {
+                continue;
+            }
+            return Failure{"unknown-element",
+                           {},
+                           root->tag != nullptr ? root->tag : "",
+                           {},
+                           "only the OpenConfig system root is configured here"};
+        }
+        if (edit != nullptr && edit->default_operation == EditDefault::replace &&
+            !root->present_operation) {
+            yfw_dt_set_operation(root, OP_REPLACE);
+        }
+        session.note_input(root);
+        const cerrno status = trees.front().oc_to_native(session.ctx(), root, session.output());
+        if (status != YFW_SUCCESS) {
+            return mapping_failure(status, session);
+        }
+    }
+    return std::nullopt;
+}
+
+// The OpenConfig roots of an answer as the models print them.
+std::optional<Failure> answer_xml(const yang::Models &models, const tidl_yfw_datatree &document,
+                                  std::string &out) {
+    try {
+        const yang::Data typed = yang::to_lyd(models, document);
+        out = yang::print(typed.get(), yang::Format::xml);
+    } catch (const yang::YangError &e) {
+        Failure f = model_failure(e);
+        f.tag = "operation-failed";
+        return f;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+Device::Device(std::span<const yfw_map_reg_mod_t> trees, const yang::Models &models, StoreFile file)
+    : trees_(trees), models_(models), file_(std::move(file)), store_(file_.load()) {
+    // A device starts with a store on disk, if only an empty one.
+    std::error_code ec;
+    if (!std::filesystem::exists(file_.path(), ec)) {
+        file_.save(store_);
+    }
+}
+
+std::optional<Failure> Device::edit(std::string_view config_xml, EditOptions options) {
+    yfw::Session session(KIND_EDIT_A);
+    std::vector<tidl_yfw_datatree *> roots;
+    if (auto failed = to_native(trees_, models_, session, config_xml, false, roots, &options)) {
+        return failed;
+    }
+    Forest changed = store_;
+    try {
+        apply_edit(changed, children_of(*session.output()),
+                   options.default_operation == EditDefault::none ? DefaultOperation::none
+                                                                  : DefaultOperation::merge);
+    } catch (const EditError &e) {
+        return Failure{e.tag, {}, {}, e.path, e.what()};
+    }
+    if (options.test_only) {
+        return std::nullopt;
+    }
+    try {
+        file_.save(changed);
+    } catch (const std::exception &e) {
+        return Failure{"operation-failed", {}, {}, {}, e.what()};
+    }
+    store_ = std::move(changed);
+    return std::nullopt;
+}
+
+std::optional<Failure> Device::read(uint32_t kind, std::optional<std::string_view> filter_xml,
+                                    std::string &data_xml) {
+    static const std::string whole_system = "<system xmlns=\"" + std::string(kOcSystemNs) + "\"/>";
+    const bool filtered = filter_xml && !filter_xml->empty();
+    yfw::Session request(kind);
+    std::vector<tidl_yfw_datatree *> filter_roots;
+    if (auto failed = to_native(trees_, models_, request,
+                                filtered ? *filter_xml : std::string_view(whole_system), true,
+                                filter_roots, nullptr)) {
+        return failed;
+    }
+    const Forest answer = select(store_, children_of(*request.output()));
+
+    yfw::Session reply(kind);
+    tidl_yfw_datatree *document = to_document(reply.arena(), answer);
+    for (std::size_t i = 0; i < answer.size(); ++i) {
+        yfw_map_walker_fn walker = native_walker(trees_, answer[i]);
+        if (walker == nullptr) {
+            continue;
+        }
+        tidl_yfw_datatree *root = &document->subtrees[i];
+        reply.note_input(root);
+        const cerrno status = walker(reply.ctx(), root, reply.output());
+        if (status != YFW_SUCCESS) {
+            return mapping_failure(status, reply);
+        }
+    }
+    if (!filtered) {
+        return answer_xml(models_, *reply.output(), data_xml);
+    }
+    // The native answer may hold more than the client named (a configuration
+    // leaf's state twin, say); the client's own filter has the last word.
+    Forest mapped;
+    for (const tidl_yfw_datatree &root : children_of(*reply.output())) {
+        mapped.push_back(to_node(root));
+    }
+    std::vector<tidl_yfw_datatree> filters;
+    for (const tidl_yfw_datatree *root : filter_roots) {
+        filters.push_back(*root);
+    }
+    yfw::Arena arena;
+    return answer_xml(models_, *to_document(arena, select(mapped, filters)), data_xml);
+}
+
+} // namespace ocsysmapd

@@ -1,0 +1,387 @@
+// The native store: edits and reads over plain trees, and the store's file.
+#include "native_store.hpp"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "io/io_detail.hpp"
+#include "io/ocsysmap_io.hpp"
+
+namespace ocsysmapd {
+namespace {
+
+using ocsysmap::detail::children_of;
+
+// A node without an operation under default-operation none.
+constexpr int32_t kNoOperation = -1;
+constexpr int32_t kCreate = 2;
+
+std::string text_of(const char *text) {
+    return text != nullptr ? text : std::string();
+}
+
+std::string namespace_of(const tidl_yfw_datatree &node, std::string_view parent_ns) {
+    return node.namespace_ != nullptr ? std::string(node.namespace_) : std::string(parent_ns);
+}
+
+const tidl_yfw_datatree *child_named(const tidl_yfw_datatree &node, std::string_view tag) {
+    for (const tidl_yfw_datatree &c : children_of(node)) {
+        if (c.tag != nullptr && c.tag == tag) {
+            return &c;
+        }
+    }
+    return nullptr;
+}
+
+const Node *child_named(const Node &node, std::string_view tag) {
+    auto it = std::find_if(node.children.begin(), node.children.end(),
+                           [tag](const Node &c) { return c.tag == tag; });
+    return it == node.children.end() ? nullptr : &*it;
+}
+
+// Applies one edit subtree below `siblings`, keeping the schema path (for
+// list keys) and the path shown in errors, with key predicates.
+class Editor {
+public:
+    explicit Editor(DefaultOperation default_op)
+        : default_op_(default_op == DefaultOperation::merge ? OP_MERGE : kNoOperation) {}
+
+    void apply_roots(Forest &store, std::span<const tidl_yfw_datatree> edit) {
+        for (const tidl_yfw_datatree &root : edit) {
+            apply(store, root, default_op_, {}, {}, {});
+        }
+    }
+
+private:
+    struct Place {
+        std::string ns;
+        std::string schema_path;
+        std::string shown_path;
+        std::span<const std::string_view> keys;
+        bool keys_complete = true;
+    };
+
+    Place place_of(const tidl_yfw_datatree &e, std::string_view parent_ns,
+                   const std::string &schema_path, const std::string &shown_path) const {
+        if (e.tag == nullptr) {
+            throw EditError("malformed-message", shown_path, "a node of the edit has no tag");
+        }
+        Place p;
+        p.ns = namespace_of(e, parent_ns);
+        p.schema_path = schema_path + "/" + e.tag;
+        p.shown_path = shown_path + "/" + e.tag;
+        p.keys = yfw::list_keys(p.schema_path);
+        for (std::string_view key : p.keys) {
+            const tidl_yfw_datatree *k = child_named(e, key);
+            if (k == nullptr || !k->present_value) {
+                p.keys_complete = false;
+                continue;
+            }
+            p.shown_path.append("[")
+                .append(key)
+                .append("='")
+                .append(text_of(k->value))
+                .append("']");
+        }
+        return p;
+    }
+
+    // An entry that agrees with every key the edit names.
+    static bool matches(const Node &n, const tidl_yfw_datatree &e, const Place &p) {
+        if (n.tag != e.tag || n.ns != p.ns) {
+            return false;
+        }
+        return std::all_of(p.keys.begin(), p.keys.end(), [&](std::string_view key) {
+            const tidl_yfw_datatree *k = child_named(e, key);
+            if (k == nullptr || !k->present_value) {
+                return true;
+            }
+            const Node *have = child_named(n, key);
+            return have != nullptr && have->value == text_of(k->value);
+        });
+    }
+
+    void apply(std::vector<Node> &siblings, const tidl_yfw_datatree &e, int32_t inherited,
+               std::string_view parent_ns, const std::string &schema_path,
+               const std::string &shown_path) {
+        const Place p = place_of(e, parent_ns, schema_path, shown_path);
+        const int32_t op = e.present_operation ? e.operation : inherited;
+        auto found = std::find_if(siblings.begin(), siblings.end(),
+                                  [&](const Node &n) { return matches(n, e, p); });
+        switch (op) {
+        case OP_DELETE:
+            if (found == siblings.end()) {
+                throw EditError("data-missing", p.shown_path,
+                                "delete of " + p.shown_path + ", which does not exist");
+            }
+            [[fallthrough]];
+        case OP_REMOVE:
+            // A list entry without all its keys names every entry it agrees with.
+            std::erase_if(siblings, [&](const Node &n) { return matches(n, e, p); });
+            return;
+        case kCreate:
+            if (found != siblings.end()) {
+                throw EditError("data-exists", p.shown_path,
+                                "create of " + p.shown_path + ", which exists");
+            }
+            break;
+        case OP_REPLACE:
+            if (found != siblings.end()) {
+                siblings.erase(found);
+                found = siblings.end();
+            }
+            break;
+        case OP_MERGE:
+        case kNoOperation:
+            break;
+        default:
+            throw EditError("operation-not-supported", p.shown_path,
+                            "operation " + std::to_string(op) + " on " + p.shown_path);
+        }
+        // Only a delete may name entries by some of their keys; anything else
+        // without all of them must agree with exactly one entry.
+        if (!p.keys_complete &&
+            (found == siblings.end() ||
+             std::count_if(siblings.begin(), siblings.end(),
+                           [&](const Node &n) { return matches(n, e, p); }) != 1)) {
+            throw EditError("missing-element", p.shown_path,
+                            p.shown_path + " does not name all keys of its list");
+        }
+        const int32_t below = op == kNoOperation ? kNoOperation : OP_MERGE;
+        if (found != siblings.end()) {
+            merge_into(*found, e, below, p);
+            // A container emptied by the deletes below it goes too.
+            if (found->children.empty() && !found->has_value && !children_of(e).empty()) {
+                siblings.erase(found);
+            }
+            return;
+        }
+        Node fresh{e.tag, p.ns, {}, false, {}};
+        merge_into(fresh, e, below, p);
+        // Under default-operation none a missing node is only created for
+        // something below it.
+        if (op != kNoOperation || !fresh.children.empty()) {
+            siblings.push_back(std::move(fresh));
+        }
+    }
+
+    void merge_into(Node &n, const tidl_yfw_datatree &e, int32_t below, const Place &p) {
+        if (e.present_value && (below != kNoOperation || e.present_operation)) {
+            n.value = text_of(e.value);
+            n.has_value = true;
+        }
+        for (const tidl_yfw_datatree &c : children_of(e)) {
+            apply(n.children, c, below, p.ns, p.schema_path, p.shown_path);
+        }
+    }
+
+    int32_t default_op_;
+};
+
+bool same_namespace(const std::string &filter_ns, const std::string &data_ns) {
+    return filter_ns.empty() || filter_ns == data_ns;
+}
+
+bool is_content_match(const tidl_yfw_datatree &f) {
+    return children_of(f).empty() && f.present_value;
+}
+
+std::optional<Node> select_instance(const Node &d, const tidl_yfw_datatree &f,
+                                    const std::string &f_ns);
+
+// The selected copies of `data` for the filter nodes `filters` of one level.
+std::vector<Node> select_level(const std::vector<Node> &data,
+                               std::span<const tidl_yfw_datatree> filters,
+                               std::string_view parent_ns) {
+    std::vector<Node> out;
+    for (const Node &d : data) {
+        for (const tidl_yfw_datatree &f : filters) {
+            const std::string f_ns = namespace_of(f, parent_ns);
+            if (f.tag == nullptr || d.tag != f.tag || !same_namespace(f_ns, d.ns)) {
+                continue;
+            }
+            if (is_content_match(f)) {
+                if (d.has_value && d.value == text_of(f.value)) {
+                    out.push_back(d);
+                    break;
+                }
+                continue;
+            }
+            if (children_of(f).empty()) {
+                out.push_back(d);
+                break;
+            }
+            if (auto picked = select_instance(d, f, f_ns)) {
+                out.push_back(std::move(*picked));
+                break;
+            }
+        }
+    }
+    return out;
+}
+
+// An instance passes when all content-match children agree; then it holds
+// them and what the other children select, or everything when there are none.
+std::optional<Node> select_instance(const Node &d, const tidl_yfw_datatree &f,
+                                    const std::string &f_ns) {
+    bool has_content_match = false;
+    bool has_others = false;
+    for (const tidl_yfw_datatree &c : children_of(f)) {
+        if (!is_content_match(c)) {
+            has_others = true;
+            continue;
+        }
+        has_content_match = true;
+        const Node *have = child_named(d, text_of(c.tag));
+        if (have == nullptr || !have->has_value || have->value != text_of(c.value)) {
+            return std::nullopt;
+        }
+    }
+    if (!has_others) {
+        return d;
+    }
+    Node out{d.tag, d.ns, d.value, d.has_value, select_level(d.children, children_of(f), f_ns)};
+    if (out.children.empty() && !has_content_match) {
+        return std::nullopt;
+    }
+    return out;
+}
+
+void fill(yfw::Arena &arena, tidl_yfw_datatree &t, const Node &n) {
+    t.tag = arena.text(n.tag);
+    t.namespace_ = arena.text(n.ns);
+    if (n.has_value) {
+        t.value = arena.text(n.value);
+        t.present_value = 1;
+    }
+    for (const Node &c : n.children) {
+        fill(arena, *arena.append_child(&t), c);
+    }
+}
+
+[[noreturn]] void fail(const std::string &what, const std::filesystem::path &path) {
+    throw std::system_error(errno, std::generic_category(), what + " " + path.string());
+}
+
+// Closes the descriptor on every way out.
+class Fd {
+public:
+    explicit Fd(int fd) : fd_(fd) {}
+    ~Fd() {
+        if (fd_ >= 0) {
+            ::close(fd_);
+        }
+    }
+    Fd(const Fd &) = delete;
+    Fd &operator=(const Fd &) = delete;
+    int get() const { return fd_; }
+    int release() { return std::exchange(fd_, -1); }
+
+private:
+    int fd_;
+};
+
+void write_all(int fd, std::string_view text, const std::filesystem::path &path) {
+    while (!text.empty()) {
+        const ssize_t n = ::write(fd, text.data(), text.size());
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            fail("cannot write", path);
+        }
+        text.remove_prefix(static_cast<std::size_t>(n));
+    }
+}
+
+} // namespace
+
+Node to_node(const tidl_yfw_datatree &tree, std::string_view parent_ns) {
+    Node n{text_of(tree.tag),
+           namespace_of(tree, parent_ns),
+           text_of(tree.value),
+           tree.present_value != 0,
+           {}};
+    for (const tidl_yfw_datatree &c : children_of(tree)) {
+        n.children.push_back(to_node(c, n.ns));
+    }
+    return n;
+}
+
+tidl_yfw_datatree *to_document(yfw::Arena &arena, const Forest &forest) {
+    tidl_yfw_datatree *document = arena.new_root();
+    for (const Node &root : forest) {
+        fill(arena, *arena.append_child(document), root);
+    }
+    return document;
+}
+
+void apply_edit(Forest &store, std::span<const tidl_yfw_datatree> edit,
+                DefaultOperation default_op) {
+    Forest changed = store;
+    Editor(default_op).apply_roots(changed, edit);
+    store = std::move(changed);
+}
+
+Forest select(const Forest &store, std::span<const tidl_yfw_datatree> request) {
+    return select_level(store, request, {});
+}
+
+Forest StoreFile::load() const {
+    std::error_code ec;
+    if (!std::filesystem::exists(path_, ec)) {
+        return {};
+    }
+    std::ifstream in(path_, std::ios::binary);
+    if (!in) {
+        fail("cannot read", path_);
+    }
+    const std::string text{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+    yfw::Arena arena;
+    std::vector<tidl_yfw_datatree *> roots;
+    try {
+        roots = ocsysmap::parse_input(arena, text, false);
+    } catch (const ocsysmap::ParseError &e) {
+        throw std::runtime_error(path_.string() + ": " + e.what());
+    }
+    Forest forest;
+    for (const tidl_yfw_datatree *root : roots) {
+        forest.push_back(to_node(*root));
+    }
+    return forest;
+}
+
+void StoreFile::save(const Forest &forest) const {
+    yfw::Arena arena;
+    const std::string text = ocsysmap::to_xml(*to_document(arena, forest));
+    std::filesystem::path temporary = path_;
+    temporary += ".new";
+    {
+        Fd fd(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
+        if (fd.get() < 0) {
+            fail("cannot create", temporary);
+        }
+        write_all(fd.get(), text, temporary);
+        if (::fsync(fd.get()) != 0 || ::close(fd.release()) != 0) {
+            fail("cannot write", temporary);
+        }
+    }
+    if (::rename(temporary.c_str(), path_.c_str()) != 0) {
+        fail("cannot rename onto", path_);
+    }
+    // The rename lasts only once the directory that holds it is on disk.
+    const std::filesystem::path dir = path_.has_parent_path() ? path_.parent_path() : ".";
+    Fd dir_fd(::open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (dir_fd.get() < 0 || ::fsync(dir_fd.get()) != 0) {
+        fail("cannot sync", dir);
+    }
+}
+
+} // namespace ocsysmapd
