@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "io/io_detail.hpp"
-#include "io/ocsysmap_io.hpp"
 
 namespace ocsysmapd {
 namespace {
@@ -104,17 +103,11 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
         const yang::Data data =
             yang::parse(models, text, yang::Format::xml,
                         read_kind ? yang::Content::filter : yang::Content::edit);
-        // The typed form of a filter loses its empty containers, which are
-        // selection nodes; a filter the models accept is read as text.
-        if (read_kind) {
-            roots = ocsysmap::parse_input(session.arena(), text, true);
-        } else if (data) {
-            roots = yang::from_lyd(session.arena(), data.get(), false);
+        if (data) {
+            roots = yang::from_lyd(session.arena(), data.get(), read_kind);
         }
     } catch (const yang::YangError &e) {
         return model_failure(e);
-    } catch (const ocsysmap::ParseError &e) {
-        return Failure{"malformed-message", {}, {}, {}, e.what()};
     }
     for (tidl_yfw_datatree *root : roots) {
         if (!is_openconfig_root(*root, trees.front())) {

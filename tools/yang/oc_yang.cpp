@@ -335,7 +335,9 @@ public:
             fill_typed(out, node);
         }
         for (const lyd_node *child = lyd_child(node); child != nullptr; child = child->next) {
-            if (!(child->flags & LYD_DEFAULT)) {
+            // libyang marks an empty non-presence container as a default
+            // node even when the request names it: in a filter it selects.
+            if (!(child->flags & LYD_DEFAULT) || !(child->schema->nodetype & LYD_NODE_TERM)) {
                 tidl_yfw_datatree &c = *arena_.append_child(&out);
                 fill(c, child);
                 // An opaque node without a module is of its parent's.
