@@ -21,6 +21,7 @@
 #include "device.hpp"
 #include "io/io_detail.hpp"
 #include "netconf_module.hpp"
+#include "registered_trees.hpp"
 #include "ymap_ocsystem.h"
 
 namespace {
@@ -440,10 +441,6 @@ void run(const Options &options, std::span<const yfw_map_reg_mod_t> trees) {
     nc_server_destroy();
 }
 
-#define YMAP_REGISTRATION_POINTER_(fn) &fn,
-constexpr std::array kRegistrations{YMAP_OCSYSTEM_REGISTRATIONS(YMAP_REGISTRATION_POINTER_)};
-#undef YMAP_REGISTRATION_POINTER_
-
 } // namespace
 
 int main(int argc, char **argv) {
@@ -463,11 +460,7 @@ int main(int argc, char **argv) {
             std::cerr << "ocsysmapd: the mapping library did not load\n";
             return 2;
         }
-        std::array<yfw_map_reg_mod_t, kRegistrations.size()> trees{};
-        for (std::size_t i = 0; i < trees.size(); ++i) {
-            kRegistrations[i](&trees[i]);
-        }
-        run(options, trees);
+        run(options, ocsysmap::registered_trees());
         yfw_ocsystem_cleanup();
     } catch (const std::exception &e) {
         std::cerr << "ocsysmapd: " << e.what() << '\n';

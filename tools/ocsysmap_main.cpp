@@ -7,15 +7,8 @@
 #include <vector>
 
 #include "ocsysmap_cli.hpp"
+#include "registered_trees.hpp"
 #include "ymap_ocsystem.h"
-
-namespace {
-
-#define YMAP_REGISTRATION_POINTER_(fn) &fn,
-constexpr std::array kRegistrations{YMAP_OCSYSTEM_REGISTRATIONS(YMAP_REGISTRATION_POINTER_)};
-#undef YMAP_REGISTRATION_POINTER_
-
-} // namespace
 
 int main(int argc, char **argv) {
     try {
@@ -24,10 +17,7 @@ int main(int argc, char **argv) {
             std::cerr << "ocsysmap: the mapping library did not load\n";
             return 2;
         }
-        std::array<yfw_map_reg_mod_t, kRegistrations.size()> trees{};
-        for (std::size_t i = 0; i < trees.size(); ++i) {
-            kRegistrations[i](&trees[i]);
-        }
+        const auto trees = ocsysmap::registered_trees();
         int rc = ocsysmap::run(args, std::cin, std::cout, std::cerr, trees);
         yfw_ocsystem_cleanup();
         return rc;
