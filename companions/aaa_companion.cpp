@@ -49,8 +49,8 @@ constexpr Word kAcctEvents[] = {
 };
 constexpr Word kRecords[] = {{"START_STOP", "start-stop"}, {"STOP", "stop-only"}};
 constexpr Word kRoles[] = {{"openconfig-aaa-types:SYSTEM_ROLE_ADMIN", "sysadmin"}};
-constexpr Word kServerTypes[] = {{"openconfig-aaa-types:TACACS", "tacacs"},
-                                 {"openconfig-aaa-types:RADIUS", "radius"}};
+constexpr Word kServerTypes[] = {{"openconfig-aaa:TACACS", "tacacs"},
+                                 {"openconfig-aaa:RADIUS", "radius"}};
 
 // ---- Services: one native list per service, keyed by type and list name ----
 

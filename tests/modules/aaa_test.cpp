@@ -273,7 +273,7 @@ INSTANTIATE_TEST_SUITE_P(
              kOcGroupHead +
                  under(oc_group("ops"),
                        {"/config", "/config/name = \"ops\"",
-                        "/config/type = \"openconfig-aaa-types:TACACS\"", "/servers"}) +
+                        "/config/type = \"openconfig-aaa:TACACS\"", "/servers"}) +
                  under(kOcServer, {"", "/address = \"192.0.2.10\"", "/config",
                                    "/config/address = \"192.0.2.10\"", "/config/timeout = \"5\"",
                                    "/tacacs", "/tacacs/config", "/tacacs/config/port = \"49\"",

@@ -23,19 +23,15 @@ namespace yang = ocsysmap::yang;
 
 // Answers the models refuse for reasons outside the tool, each still made so
 // that a fix shows here: the selector key "NONE" that the device takes is no
-// facility identity of the models; the AAA companion names the TACACS server
-// type in openconfig-aaa-types, whereas openconfig-aaa-tacacs defines it; the
-// gRPC state answer comes out under a /system of the gRPC namespace; the
-// shipped NTP answer has an offset of -1 for a uint64.
+// facility identity of the models; the gRPC state answer comes out under a
+// /system of the gRPC namespace.
 struct Known {
     std::string_view path_part;
     std::string_view message_part;
 };
-constexpr std::array<Known, 4> kKnownRefusals{{
+constexpr std::array<Known, 2> kKnownRefusals{{
     {"/selector/facility", "\"NONE\""},
-    {"/server-group", "\"openconfig-aaa-types:TACACS\""},
     {"/system", "system-grpc)"},
-    {"/state/offset", "\"-1\""},
 }};
 std::set<std::size_t> g_known_seen;
 

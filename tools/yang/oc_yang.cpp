@@ -607,6 +607,24 @@ void check_opaque_node(const ly_ctx *ctx, const lyd_node_opaq *o, const lysc_nod
     }
 }
 
+// Whether the module, or one of its submodules, defines identities.
+bool defines_identities(const lys_module *m) {
+    if (m->parsed == nullptr) {
+        return false;
+    }
+    if (LY_ARRAY_COUNT(m->parsed->identities) > 0) {
+        return true;
+    }
+    LY_ARRAY_COUNT_TYPE i;
+    LY_ARRAY_FOR(m->parsed->includes, i) {
+        const lysp_submodule *sub = m->parsed->includes[i].submodule;
+        if (sub != nullptr && LY_ARRAY_COUNT(sub->identities) > 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 YangError::YangError(std::vector<Diagnostic> found)
@@ -653,7 +671,7 @@ Models::Models(const std::filesystem::path &dir) {
     // modules are imported alone.
     uint32_t index = 0;
     while (lys_module *m = ly_ctx_get_module_iter(ctx_, &index)) {
-        if (!m->implemented && m->parsed != nullptr && LY_ARRAY_COUNT(m->parsed->identities) > 0 &&
+        if (!m->implemented && defines_identities(m) &&
             lys_set_implemented(m, nullptr) != LY_SUCCESS) {
             fail(std::string("cannot implement ") + m->name);
         }
