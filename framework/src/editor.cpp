@@ -75,7 +75,7 @@ tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view
     child->tag = intern(texts, tag);
     child->namespace_ = ns != nullptr ? intern(texts, ns) : nullptr;
     if (value != nullptr) {
-        child->value = intern(texts, value);
+        child->value = copy_text(texts, value);
         child->present_value = 1;
     }
     if (Block *block = block_starting_at(parent->subtrees); block && block->tag_indexed()) {
@@ -134,7 +134,7 @@ void Editor::set_value(tidl_yfw_datatree *parent, tidl_yfw_datatree *node, const
         if (it != valued->end() && it->second == position(parent, node))
             valued->erase(it);
     }
-    node->value = intern(arena_for(node), value);
+    node->value = copy_text(arena_for(node), value);
     node->present_value = 1;
     if (valued != nullptr)
         valued->try_emplace(tag_value_key(node->tag, value), position(parent, node));

@@ -66,6 +66,9 @@ public:
 
     // A copy of `text`, alive as long as the arena; equal texts may share storage.
     char *text(std::string_view text);
+    // A copy of `text`, alive as long as the arena and shared with nothing:
+    // for values, which are mostly met once and not worth a look-up.
+    char *copy(std::string_view text);
     // A single zeroed node, the root of a tree.
     tidl_yfw_datatree *new_root();
     // Appends a zeroed child to `parent`, growing its array; raises present_subtrees.
