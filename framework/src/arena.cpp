@@ -12,8 +12,10 @@ namespace yfw {
 
 namespace detail {
 
-// A run of zeroed node slots. A dedicated slab holds one large array alone and
-// goes back to the system when that array moves.
+// A run of node slots, left unwritten until an array takes them: every slot is
+// zeroed when it becomes a child, and nothing reads past a node's children.
+// A dedicated slab holds one large array alone and goes back to the system
+// when that array moves.
 struct Slab {
     std::unique_ptr<tidl_yfw_datatree[]> nodes;
     std::unique_ptr<Block *[]> owner;
@@ -103,6 +105,53 @@ SlabIndex &slab_index() {
     return index;
 }
 
+// Slab memory that arenas gave back, for the next arenas: a framework serves
+// request after request, and fresh memory costs a page fault per page.
+class SlabPool {
+public:
+    // Kept up to this much; past it, memory goes back to the system.
+    static constexpr std::size_t kMaxBytes = std::size_t{128} << 20;
+
+    static std::size_t bytes_of(uint32_t capacity) {
+        return capacity * (sizeof(tidl_yfw_datatree) + sizeof(Block *));
+    }
+    // Memory for `capacity` slots into `slab`, from the pool when it has some.
+    void take(Slab &slab, uint32_t capacity) {
+        if (auto it = kept_.find(capacity); it != kept_.end()) {
+            slab.nodes = std::move(it->second.nodes);
+            slab.owner = std::move(it->second.owner);
+            kept_.erase(it);
+            bytes_ -= bytes_of(capacity);
+        } else {
+            slab.nodes = std::make_unique_for_overwrite<tidl_yfw_datatree[]>(capacity);
+            slab.owner = std::make_unique_for_overwrite<Block *[]>(capacity);
+        }
+        slab.capacity = capacity;
+    }
+    void give(Slab &slab) {
+        if (bytes_ + bytes_of(slab.capacity) <= kMaxBytes) {
+            bytes_ += bytes_of(slab.capacity);
+            kept_.emplace(slab.capacity, Memory{std::move(slab.nodes), std::move(slab.owner)});
+        }
+        slab.nodes.reset();
+        slab.owner.reset();
+        slab.capacity = 0;
+    }
+
+private:
+    struct Memory {
+        std::unique_ptr<tidl_yfw_datatree[]> nodes;
+        std::unique_ptr<Block *[]> owner;
+    };
+    std::multimap<uint32_t, Memory> kept_;
+    std::size_t bytes_ = 0;
+};
+
+SlabPool &slab_pool() {
+    static SlabPool pool;
+    return pool;
+}
+
 uint32_t grown_capacity(uint32_t needed) {
     if (needed > UINT32_MAX / 2)
         fail_assert("node array too large");
@@ -130,7 +179,10 @@ Block *block_containing(const tidl_yfw_datatree *node) {
     Slab *slab = node != nullptr ? slab_index().find(node) : nullptr;
     if (slab == nullptr)
         return nullptr;
-    Block *block = slab->owner[static_cast<std::size_t>(node - slab->nodes.get())];
+    const auto slot = static_cast<std::size_t>(node - slab->nodes.get());
+    if (!slab->dedicated && slot >= slab->used)
+        return nullptr; // never handed out
+    Block *block = slab->owner[slot];
     return block != nullptr && inside(node, block->nodes, block->capacity) ? block : nullptr;
 }
 
@@ -218,7 +270,8 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
     lookups.first_by_tag.clear();
     lookups.by_tag_value.clear();
     const bool was_last = pos == live - 1;
-    for (auto &[tag, list] : lookups.lists) {
+    for (NamedList &named : lookups.lists) {
+        ListState &list = named.state;
         if (list.current == pos)
             list.current = kNone;
         else if (list.current != kNone && list.current > pos)
@@ -268,14 +321,16 @@ char *intern(Arena::Impl &arena, std::string_view text) {
 }
 
 void split_path(std::string_view path, Segments &segments) {
-    while (!path.empty()) {
-        const std::size_t slash = path.find('/');
-        std::string_view segment = path.substr(0, slash);
-        path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
-        if (const std::size_t colon = segment.rfind(':'); colon != std::string_view::npos)
-            segment.remove_prefix(colon + 1);
-        if (!segment.empty())
-            segments.push_back(segment);
+    std::size_t prefix = 0; // where the present segment's name starts, past any ':'
+    for (std::size_t i = 0; i <= path.size(); ++i) {
+        const char c = i < path.size() ? path[i] : '/';
+        if (c == ':') {
+            prefix = i + 1;
+        } else if (c == '/') {
+            if (i > prefix)
+                segments.push_back(path.substr(prefix, i - prefix));
+            prefix = i + 1;
+        }
     }
 }
 
@@ -309,16 +364,17 @@ bool well_formed_path(std::string_view path) {
 } // namespace detail
 
 Arena::Impl::~Impl() {
-    for (const auto &slab : slabs)
-        if (slab->nodes)
+    for (const auto &slab : slabs) {
+        if (slab->nodes) {
             detail::slab_index().remove(*slab);
+            detail::slab_pool().give(*slab);
+        }
+    }
 }
 
 detail::Slab &Arena::Impl::new_slab(uint32_t capacity, bool dedicated) {
     auto slab = std::make_unique<detail::Slab>();
-    slab->nodes = std::make_unique<tidl_yfw_datatree[]>(capacity);
-    slab->owner = std::make_unique<detail::Block *[]>(capacity);
-    slab->capacity = capacity;
+    detail::slab_pool().take(*slab, capacity);
     slab->dedicated = dedicated;
     detail::slab_index().add(*slab);
     return *slabs.emplace_back(std::move(slab));
@@ -331,7 +387,6 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
     if (!free.empty()) {
         nodes = free.back();
         free.pop_back();
-        std::fill_n(nodes, capacity, tidl_yfw_datatree{});
         slab = detail::slab_index().find(nodes);
     } else if (capacity >= kDedicatedFrom) {
         slab = &new_slab(capacity, true);
@@ -344,6 +399,7 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
                 const uint32_t piece = std::bit_floor(rest);
                 free_arrays[static_cast<std::size_t>(std::countr_zero(piece))].push_back(
                     open_slab->nodes.get() + open_slab->used);
+                std::fill_n(open_slab->owner.get() + open_slab->used, piece, nullptr);
                 open_slab->used += piece;
             }
             const uint32_t size = open_slab == nullptr
@@ -366,9 +422,7 @@ void Arena::Impl::release(tidl_yfw_datatree *nodes, uint32_t capacity) {
         return;
     if (slab->dedicated) {
         detail::slab_index().remove(*slab);
-        slab->nodes.reset();
-        slab->owner.reset();
-        slab->capacity = 0;
+        detail::slab_pool().give(*slab);
         return;
     }
     free_arrays[static_cast<std::size_t>(std::countr_zero(capacity))].push_back(nodes);
@@ -394,7 +448,9 @@ char *Arena::copy(std::string_view text) {
 }
 
 tidl_yfw_datatree *Arena::new_root() {
-    return impl_->new_block(nullptr, 1).nodes;
+    tidl_yfw_datatree *root = impl_->new_block(nullptr, 1).nodes;
+    *root = tidl_yfw_datatree{};
+    return root;
 }
 
 tidl_yfw_datatree *Arena::append_child(tidl_yfw_datatree *parent) {

@@ -145,8 +145,10 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
     Block *block = own_children(parent, home_);
     if (block == nullptr)
         return nullptr;
-    auto [it, fresh] = block->lookup().lists.try_emplace(std::string(tag));
-    ListState &list = it->second;
+    auto &lists = block->lookup().lists;
+    auto it = std::ranges::find(lists, tag, &NamedList::tag);
+    const bool fresh = it == lists.end();
+    ListState &list = fresh ? lists.emplace_front(std::string(tag), ListState{}).state : it->state;
     if (fresh) {
         // First use here (or the array was touched by a host): the last entry is current.
         auto kids = children(parent);
@@ -227,6 +229,10 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
 
 uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
                             std::span<const std::string_view> keys, const OpenEntry &open) {
+    ListState *list = list_state(parent, tag, keys);
+    // Its entry is current already: the common case, with no keys to gather.
+    if (list != nullptr && list->bound_to == open.serial)
+        return current_entry(parent, tag, keys, false);
     EntryKeys wanted{{keys.begin(), keys.end()}, {}};
     for (std::string_view key : keys) {
         auto it = std::ranges::find(open.key_names, key);
@@ -236,9 +242,8 @@ uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
         wanted.values.push_back(
             open.key_values[static_cast<std::size_t>(it - open.key_names.begin())]);
     }
-    ListState *list = list_state(parent, tag, keys);
-    // Another list than the input entry's, or its entry is current already.
-    if (wanted.values.size() != keys.size() || (list != nullptr && list->bound_to == open.serial))
+    // Another list than the input entry's.
+    if (wanted.values.size() != keys.size())
         return current_entry(parent, tag, keys, false);
     uint32_t entry;
     if (list != nullptr && list->current != kNone &&
@@ -352,16 +357,22 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
 
 Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
                    const char *value, bool list_entry, const OpenEntry *open) {
-    // The schema path of each prefix and its keys, looked up once.
+    // The schema path of each prefix and its keys, looked up once, in storage
+    // that outlives the call so that an add allocates nothing of its own.
     const bool by_schema = tree->tag == nullptr;
-    std::string schema;
-    std::vector<std::size_t> ends(segments.size());
-    std::vector<std::span<const std::string_view>> keys_at(segments.size());
+    thread_local std::string schema;
+    thread_local std::vector<std::size_t> ends;
+    thread_local std::vector<std::span<const std::string_view>> keys_at;
+    schema.clear();
+    ends.assign(segments.size(), 0);
+    keys_at.assign(segments.size(), {});
+    SchemaHash hash;
     std::size_t innermost = kNoDepth;
     for (std::size_t i = 0; i < segments.size(); ++i) {
         schema.append("/").append(segments[i]);
+        hash.add_segment(segments[i]);
         ends[i] = schema.size();
-        if (by_schema && !(keys_at[i] = list_keys(schema)).empty())
+        if (by_schema && !(keys_at[i] = list_keys_hashed(hash.value, schema)).empty())
             innermost = i;
     }
     auto is_key_of = [&](std::size_t list, std::string_view segment) {

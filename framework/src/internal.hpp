@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <deque>
+#include <forward_list>
 #include <map>
 #include <memory>
 #include <memory_resource>
@@ -91,6 +92,20 @@ inline Segments split_path(std::string_view path) {
     split_path(path, out);
     return out;
 }
+// A hash of a normalized schema path, extended one character or one segment
+// at a time, so that each prefix of a path is looked up without building it.
+struct SchemaHash {
+    uint64_t value = 14695981039346656037ull;
+    constexpr void add(char c) { value = (value ^ static_cast<uint8_t>(c)) * 1099511628211ull; }
+    constexpr void add_segment(std::string_view segment) {
+        add('/');
+        for (char c : segment)
+            add(c);
+    }
+};
+// The keys of the list at a normalized path whose hash is `hash`.
+std::span<const std::string_view> list_keys_hashed(uint64_t hash, std::string_view normalized);
+
 // "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
 std::string normalize_path(std::string_view path);
 // A path of at least one element, each "name" or "prefix:name".
@@ -117,8 +132,13 @@ struct OpenEntry {
 
 // Lookup state of the children of one array, kept as positions by the
 // framework's own edits and dropped when a host appends on its own.
+struct NamedList {
+    std::string tag;
+    ListState state;
+};
 struct Lookups {
-    TextMap<ListState> lists; // by list tag
+    std::forward_list<NamedList> lists; // few per array; states stay put
+
     bool tag_index_built = false;
     TextMap<uint32_t> first_by_tag;
     TextMap<uint32_t> by_tag_value;
