@@ -205,7 +205,7 @@ std::span<tidl_yfw_datatree> children(const tidl_yfw_datatree *node) {
 const tidl_yfw_datatree *child_with_tag(const tidl_yfw_datatree *node, std::string_view tag) {
     auto kids = children(node);
     auto it = std::ranges::find_if(
-        kids, [tag](const tidl_yfw_datatree &kid) { return kid.tag != nullptr && tag == kid.tag; });
+        kids, [tag](const tidl_yfw_datatree &kid) { return is_text(kid.tag, tag); });
     return it == kids.end() ? nullptr : &*it;
 }
 

@@ -26,7 +26,7 @@ void append_key(std::string &tuple, std::string_view value) {
 }
 
 bool has_tag(const tidl_yfw_datatree &node, std::string_view tag) {
-    return node.tag != nullptr && tag == node.tag;
+    return is_text(node.tag, tag);
 }
 
 // The array of `parent` with its tag index, when it is wide enough to want one.
@@ -357,22 +357,16 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
 
 Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
                    const char *value, bool list_entry, const OpenEntry *open) {
-    // The schema path of each prefix and its keys, looked up once, in storage
-    // that outlives the call so that an add allocates nothing of its own.
+    // The keys of each prefix, looked up once by a hash extended per segment;
+    // the path itself is only spelled out for an add that sets a key.
     const bool by_schema = tree->tag == nullptr;
-    thread_local std::string schema;
-    thread_local std::vector<std::size_t> ends;
     thread_local std::vector<std::span<const std::string_view>> keys_at;
-    schema.clear();
-    ends.assign(segments.size(), 0);
     keys_at.assign(segments.size(), {});
     SchemaHash hash;
     std::size_t innermost = kNoDepth;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-        schema.append("/").append(segments[i]);
+    for (std::size_t i = 0; i < segments.size() && by_schema; ++i) {
         hash.add_segment(segments[i]);
-        ends[i] = schema.size();
-        if (by_schema && !(keys_at[i] = list_keys_hashed(hash.value, schema)).empty())
+        if (!(keys_at[i] = list_keys_hashed(hash.value, segments.first(i + 1))).empty())
             innermost = i;
     }
     auto is_key_of = [&](std::size_t list, std::string_view segment) {
@@ -400,9 +394,11 @@ Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> se
         }
         if (last && i > 0 && at.parent != nullptr && !keys_at[i - 1].empty() &&
             is_key_of(i - 1, segment)) {
-            return set_key(at.parent, position(at.parent, at.node), segments[i - 1],
-                           std::string_view(schema).substr(0, ends[i - 1]), keys_at[i - 1], segment,
-                           value);
+            std::string schema;
+            for (std::string_view step : segments.first(i))
+                schema.append("/").append(step);
+            return set_key(at.parent, position(at.parent, at.node), segments[i - 1], schema,
+                           keys_at[i - 1], segment, value);
         }
         tidl_yfw_datatree *next = nullptr;
         if (last && list_entry && value != nullptr) {

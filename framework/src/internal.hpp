@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <deque>
 #include <forward_list>
 #include <map>
@@ -49,7 +50,13 @@ inline std::string_view text_of(const char *s) {
     return s != nullptr ? std::string_view(s) : std::string_view();
 }
 inline bool same_text(const char *a, const char *b) {
-    return a != nullptr && b != nullptr && std::string_view(a) == std::string_view(b);
+    return a != nullptr && b != nullptr && (a == b || std::strcmp(a, b) == 0);
+}
+// Whether the terminated `text` is `view`, without measuring `text` first.
+inline bool is_text(const char *text, std::string_view view) {
+    if (text == nullptr || (!view.empty() && text[0] != view[0]))
+        return false;
+    return std::strncmp(text, view.data(), view.size()) == 0 && text[view.size()] == '\0';
 }
 
 // ---- Paths -----------------------------------------------------------------
@@ -103,8 +110,11 @@ struct SchemaHash {
             add(c);
     }
 };
-// The keys of the list at a normalized path whose hash is `hash`.
+// The keys of the list at a normalized path whose hash is `hash`, the path
+// given as itself or as its segments.
 std::span<const std::string_view> list_keys_hashed(uint64_t hash, std::string_view normalized);
+std::span<const std::string_view> list_keys_hashed(uint64_t hash,
+                                                   std::span<const std::string_view> segments);
 
 // "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
 std::string normalize_path(std::string_view path);

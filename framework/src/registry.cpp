@@ -213,13 +213,31 @@ const Module *module_by_namespace(std::string_view ns) {
 }
 
 namespace detail {
-std::span<const std::string_view> list_keys_hashed(uint64_t hash, std::string_view normalized) {
+namespace {
+template <typename Same> std::span<const std::string_view> keys_by_hash(uint64_t hash, Same same) {
     for (std::size_t at = hash % kListSlots; kListTable[at].row != 0; at = (at + 1) % kListSlots) {
         const ListRow &row = kLists[kListTable[at].row - 1u];
-        if (kListTable[at].hash == hash && row.path == normalized)
+        if (kListTable[at].hash == hash && same(row.path))
             return {row.keys.data(), row.key_count()};
     }
     return {};
+}
+} // namespace
+
+std::span<const std::string_view> list_keys_hashed(uint64_t hash, std::string_view normalized) {
+    return keys_by_hash(hash, [normalized](std::string_view path) { return path == normalized; });
+}
+
+std::span<const std::string_view> list_keys_hashed(uint64_t hash,
+                                                   std::span<const std::string_view> segments) {
+    return keys_by_hash(hash, [segments](std::string_view path) {
+        for (std::string_view segment : segments) {
+            if (!path.starts_with('/') || !path.substr(1).starts_with(segment))
+                return false;
+            path.remove_prefix(1 + segment.size());
+        }
+        return path.empty();
+    });
 }
 } // namespace detail
 
