@@ -18,10 +18,12 @@ namespace detail {
 // when that array moves.
 struct Slab {
     std::unique_ptr<tidl_yfw_datatree[]> nodes;
-    std::unique_ptr<Block *[]> owner;
+    // Per slot: 1 + the index of the block in the arena's blocks, 0 for none.
+    std::unique_ptr<uint32_t[]> owner;
     uint32_t capacity = 0;
     uint32_t used = 0;
     bool dedicated = false;
+    Arena::Impl *arena = nullptr;
 };
 
 } // namespace detail
@@ -113,7 +115,7 @@ public:
     static constexpr std::size_t kMaxBytes = std::size_t{128} << 20;
 
     static std::size_t bytes_of(uint32_t capacity) {
-        return capacity * (sizeof(tidl_yfw_datatree) + sizeof(Block *));
+        return capacity * (sizeof(tidl_yfw_datatree) + sizeof(uint32_t));
     }
     // Memory for `capacity` slots into `slab`, from the pool when it has some.
     void take(Slab &slab, uint32_t capacity) {
@@ -124,7 +126,7 @@ public:
             bytes_ -= bytes_of(capacity);
         } else {
             slab.nodes = std::make_unique_for_overwrite<tidl_yfw_datatree[]>(capacity);
-            slab.owner = std::make_unique_for_overwrite<Block *[]>(capacity);
+            slab.owner = std::make_unique_for_overwrite<uint32_t[]>(capacity);
         }
         slab.capacity = capacity;
     }
@@ -141,7 +143,7 @@ public:
 private:
     struct Memory {
         std::unique_ptr<tidl_yfw_datatree[]> nodes;
-        std::unique_ptr<Block *[]> owner;
+        std::unique_ptr<uint32_t[]> owner;
     };
     std::multimap<uint32_t, Memory> kept_;
     std::size_t bytes_ = 0;
@@ -155,7 +157,7 @@ SlabPool &slab_pool() {
 uint32_t grown_capacity(uint32_t needed) {
     if (needed > UINT32_MAX / 2)
         fail_assert("node array too large");
-    return std::bit_ceil(std::max<uint32_t>(4, needed));
+    return std::bit_ceil(std::max<uint32_t>(2, needed));
 }
 
 // Moves the live nodes of `block` into an array for `needed`.
@@ -182,7 +184,8 @@ Block *block_containing(const tidl_yfw_datatree *node) {
     const auto slot = static_cast<std::size_t>(node - slab->nodes.get());
     if (!slab->dedicated && slot >= slab->used)
         return nullptr; // never handed out
-    Block *block = slab->owner[slot];
+    const uint32_t owner = slab->owner[slot];
+    Block *block = owner != 0 ? &slab->arena->blocks[owner - 1] : nullptr;
     return block != nullptr && inside(node, block->nodes, block->capacity) ? block : nullptr;
 }
 
@@ -376,6 +379,7 @@ detail::Slab &Arena::Impl::new_slab(uint32_t capacity, bool dedicated) {
     auto slab = std::make_unique<detail::Slab>();
     detail::slab_pool().take(*slab, capacity);
     slab->dedicated = dedicated;
+    slab->arena = this;
     detail::slab_index().add(*slab);
     return *slabs.emplace_back(std::move(slab));
 }
@@ -395,11 +399,11 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
         if (open_slab == nullptr || open_slab->capacity - open_slab->used < capacity) {
             // The rest of the full slab goes to the free arrays, largest first.
             for (uint32_t rest;
-                 open_slab != nullptr && (rest = open_slab->capacity - open_slab->used) >= 4;) {
+                 open_slab != nullptr && (rest = open_slab->capacity - open_slab->used) > 0;) {
                 const uint32_t piece = std::bit_floor(rest);
                 free_arrays[static_cast<std::size_t>(std::countr_zero(piece))].push_back(
                     open_slab->nodes.get() + open_slab->used);
-                std::fill_n(open_slab->owner.get() + open_slab->used, piece, nullptr);
+                std::fill_n(open_slab->owner.get() + open_slab->used, piece, 0u);
                 open_slab->used += piece;
             }
             const uint32_t size = open_slab == nullptr
@@ -411,7 +415,7 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
         nodes = slab->nodes.get() + slab->used;
         slab->used += capacity;
     }
-    std::fill_n(slab->owner.get() + (nodes - slab->nodes.get()), capacity, &block);
+    std::fill_n(slab->owner.get() + (nodes - slab->nodes.get()), capacity, block.index + 1);
     block.nodes = nodes;
     block.capacity = capacity;
 }
@@ -429,7 +433,10 @@ void Arena::Impl::release(tidl_yfw_datatree *nodes, uint32_t capacity) {
 }
 
 detail::Block &Arena::Impl::new_block(const tidl_yfw_datatree *parent, uint32_t capacity) {
+    if (blocks.size() >= UINT32_MAX)
+        detail::fail_assert("too many node arrays");
     detail::Block &block = blocks.emplace_back();
+    block.index = static_cast<uint32_t>(blocks.size() - 1);
     block.parent = parent;
     block.arena = this;
     allocate(block, detail::grown_capacity(capacity));

@@ -160,6 +160,7 @@ struct Lookups {
 struct Block {
     tidl_yfw_datatree *nodes = nullptr;
     uint32_t capacity = 0;
+    uint32_t index = 0;                        // among the blocks of its arena
     const tidl_yfw_datatree *parent = nullptr; // null for a root
     Arena::Impl *arena = nullptr;
     std::unique_ptr<Lookups> lookups; // most arrays never need one

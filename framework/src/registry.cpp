@@ -260,6 +260,12 @@ std::span<const std::string_view> list_keys(std::string_view schema_path) {
 std::string describe_segment(const tidl_yfw_datatree &node, std::string_view schema_path,
                              const char *parent_ns) {
     std::string out;
+    append_segment(out, node, schema_path, parent_ns);
+    return out;
+}
+
+void append_segment(std::string &out, const tidl_yfw_datatree &node, std::string_view schema_path,
+                    const char *parent_ns) {
     if (node.namespace_ != nullptr && !detail::same_text(node.namespace_, parent_ns)) {
         const Module *module = module_by_namespace(node.namespace_);
         out += module != nullptr ? module->name : std::string_view(node.namespace_);
@@ -278,7 +284,6 @@ std::string describe_segment(const tidl_yfw_datatree &node, std::string_view sch
         out.append("[").append(key).append("=");
         out.append(1, quote).append(value).append(1, quote).append("]");
     }
-    return out;
 }
 
 } // namespace yfw

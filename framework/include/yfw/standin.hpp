@@ -91,6 +91,9 @@ int32_t effective_operation(const tidl_yfw_datatree *node);
 // "[key='value']" predicates when `schema_path` (the node's own path) is a list.
 std::string describe_segment(const tidl_yfw_datatree &node, std::string_view schema_path,
                              const char *parent_ns);
+// The same, appended to `out`.
+void append_segment(std::string &out, const tidl_yfw_datatree &node, std::string_view schema_path,
+                    const char *parent_ns);
 
 // ---- A request ------------------------------------------------------------
 
