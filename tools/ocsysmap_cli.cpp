@@ -69,13 +69,13 @@ constexpr std::array<Named, 9> kStatuses{{
 
 struct Format {
     std::string_view name;
-    std::string (*write)(const tidl_yfw_datatree &document);
+    void (*write)(std::ostream &out, const tidl_yfw_datatree &document);
 };
 
 constexpr std::array<Format, 3> kFormats{{
-    {"paths", to_paths},
-    {"xml", to_xml},
-    {"json", to_json},
+    {"paths", write_paths},
+    {"xml", write_xml},
+    {"json", write_json},
 }};
 
 struct MapOptions {
@@ -175,12 +175,20 @@ std::string input_name(std::string_view file) {
     return file == "-" ? std::string("standard input") : std::string(file);
 }
 
+// The whole input in one string, read in large pieces straight into it.
 std::string read_input(std::string_view file, std::istream &in) {
-    auto slurp = [](std::istream &s) {
-        return std::string(std::istreambuf_iterator<char>(s), std::istreambuf_iterator<char>());
+    auto slurp = [](std::istream &s, std::string &text) {
+        constexpr std::size_t kPiece = 1 << 16;
+        for (std::size_t got = 0; s; text.resize(got)) {
+            text.resize(got + kPiece);
+            s.read(text.data() + got, kPiece);
+            got += static_cast<std::size_t>(s.gcount());
+        }
     };
+    std::string text;
     if (file == "-") {
-        return slurp(in);
+        slurp(in, text);
+        return text;
     }
     const std::filesystem::path path(file);
     std::error_code ec;
@@ -191,7 +199,11 @@ std::string read_input(std::string_view file, std::istream &in) {
     if (!stream) {
         throw InputError(input_name(file) + ": " + std::strerror(errno));
     }
-    std::string text = slurp(stream);
+    // A regular file's size is known: one allocation of the right size.
+    if (const auto size = std::filesystem::file_size(path, ec); !ec) {
+        text.reserve(static_cast<std::size_t>(size));
+    }
+    slurp(stream, text);
     if (stream.bad()) {
         throw InputError(input_name(file) + ": read error");
     }
@@ -263,7 +275,7 @@ void report(std::ostream &err, cerrno status, yfw::Session &session) {
 
 int map_command(const MapOptions &options, std::istream &in, std::ostream &out, std::ostream &err,
                 std::span<const yfw_map_reg_mod_t> trees) {
-    const std::string text = read_input(*options.file, in);
+    std::string text = read_input(*options.file, in);
     yfw::Session session(*options.kind, options.oper_only);
     std::vector<tidl_yfw_datatree *> roots;
     try {
@@ -271,6 +283,7 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
     } catch (const ParseError &e) {
         throw InputError(input_name(*options.file) + ": " + e.what());
     }
+    std::string().swap(text); // the trees hold copies of what they need
     // Every root must have a tree before any is mapped.
     std::vector<yfw_map_walker_fn> walkers;
     for (const tidl_yfw_datatree *root : roots) {
@@ -289,25 +302,20 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
         status = walkers[i](session.ctx(), roots[i], session.output());
     }
 
-    std::string printed;
-    std::optional<std::string> write_error;
-    try {
-        printed = options.format->write(*session.output());
-    } catch (const std::invalid_argument &e) {
-        write_error = e.what();
-    }
     if (options.trace) {
         print_lines(err, session.debug_log());
         print_lines(err, session.ring_trace());
     }
-    if (write_error) {
+    // The tree goes out before the report, so that a reader of both streams
+    // sees the status last. A writer refuses a tree before writing any of it.
+    std::optional<std::string> write_error;
+    try {
+        options.format->write(out, *session.output());
+        out << std::flush;
+    } catch (const std::invalid_argument &e) {
+        write_error = e.what();
         err << "ocsysmap: the output tree has no " << options.format->name
             << " form: " << *write_error << '\n';
-    }
-    // The tree goes out before the report, so that a reader of both streams
-    // sees the status last.
-    if (!write_error) {
-        out << printed << std::flush;
     }
     report(err, status, session);
     if (write_error) {
