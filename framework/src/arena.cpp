@@ -78,18 +78,26 @@ bool inside(const tidl_yfw_datatree *node, const tidl_yfw_datatree *first, std::
 // Slabs of every arena by their first slot. One thread uses the framework.
 struct SlabIndex {
     std::map<std::uintptr_t, Slab *> by_start;
-    Slab *last = nullptr; // most look-ups fall in the slab of the one before
+    // The slabs found last, most recent first: the input tree's, the output's.
+    std::array<Slab *, 4> recent{};
 
     Slab *find(const tidl_yfw_datatree *node) {
-        if (last != nullptr && inside(node, last->nodes.get(), last->capacity))
-            return last;
+        for (std::size_t i = 0; i < recent.size(); ++i) {
+            Slab *slab = recent[i];
+            if (slab != nullptr && inside(node, slab->nodes.get(), slab->capacity)) {
+                std::rotate(recent.begin(), recent.begin() + static_cast<std::ptrdiff_t>(i),
+                            recent.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+                return slab;
+            }
+        }
         auto it = by_start.upper_bound(reinterpret_cast<std::uintptr_t>(node));
         if (it == by_start.begin())
             return nullptr;
         Slab *slab = std::prev(it)->second;
         if (!inside(node, slab->nodes.get(), slab->capacity))
             return nullptr;
-        last = slab;
+        std::rotate(recent.begin(), recent.end() - 1, recent.end());
+        recent[0] = slab;
         return slab;
     }
     void add(Slab &slab) {
@@ -97,8 +105,7 @@ struct SlabIndex {
     }
     void remove(const Slab &slab) {
         by_start.erase(reinterpret_cast<std::uintptr_t>(slab.nodes.get()));
-        if (last == &slab)
-            last = nullptr;
+        std::ranges::replace(recent, &slab, nullptr);
     }
 };
 
