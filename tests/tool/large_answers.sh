@@ -11,10 +11,12 @@ case $kind in
 cpus)
     entry="^/openconfig-system:system/cpus/cpu\[index='[0-9]*'\]\$"
     leaves_per_entry=58
+    tag=cpu
     ;;
 alarms)
     entry="^/openconfig-system:system/alarms/alarm\[id='a[0-9]*'\]\$"
     leaves_per_entry=7
+    tag=alarm
     ;;
 esac
 
@@ -24,3 +26,10 @@ leaves=$(grep -c ' = "' "$out")
 echo "$kind: $entries entries, $leaves leaves"
 test "$entries" -eq "$count"
 test "$leaves" -eq $((count * leaves_per_entry))
+
+# The other two forms are written in pieces: every entry must come out whole.
+"$tool" map --kind get --format xml "$file" > "$out"
+test "$(grep -c "^    <$tag>\$" "$out")" -eq "$count"
+test "$(grep -c "^    </$tag>\$" "$out")" -eq "$count"
+"$tool" map --kind get --format json "$file" > "$out"
+test "$(grep -c "^ *\"tag\": \"$tag\",\$" "$out")" -eq "$count"
