@@ -118,8 +118,9 @@ SlabIndex &slab_index() {
 // request after request, and fresh memory costs a page fault per page.
 class SlabPool {
 public:
-    // Kept up to this much; past it, memory goes back to the system.
-    static constexpr std::size_t kMaxBytes = std::size_t{128} << 20;
+    // Kept up to this much (the output of a million-node walk fits); past it,
+    // memory goes back to the system.
+    static constexpr std::size_t kMaxBytes = std::size_t{512} << 20;
 
     static std::size_t bytes_of(uint32_t capacity) {
         return capacity * (sizeof(tidl_yfw_datatree) + sizeof(uint32_t));
