@@ -1,169 +1,156 @@
-// Walking large trees through the frame, both directions: native answers with
-// many CPUs or alarms mapped to OpenConfig, and OpenConfig reads naming as
-// many entries mapped to native requests. Reported as input nodes per second;
-// the cost per node should stay flat as the tree grows.
+// Walking large trees through the library, both directions, one row per
+// feature area's largest list (and CPUs and alarms), at 1k to 1M input nodes.
+// Built twice: against the stand-in (end to end) and against the counting
+// host (the library alone). Reports input nodes per second and the time per
+// input node, which should stay flat as the tree grows.
+#include <cstdio>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include <benchmark/benchmark.h>
 
-#include "yfw/standin.hpp"
+#include "bench_host.hpp"
+#include "bench_trees.hpp"
 #include "ymap_cpu_words.hpp"
 #include "ymap_namespaces.hpp"
 #include "ymap_ocsystem_modules.h"
 
 namespace {
 
-// Builds a tree in an arena, counting the nodes.
-class Builder {
-public:
-    explicit Builder(yfw::Arena &arena) : arena_(arena) {}
-
-    tidl_yfw_datatree *root(const char *tag, const char *ns) {
-        tidl_yfw_datatree *n = arena_.new_root();
-        set(n, tag, ns, nullptr);
-        return n;
-    }
-    tidl_yfw_datatree *add(tidl_yfw_datatree *parent, const char *tag,
-                           const char *value = nullptr) {
-        tidl_yfw_datatree *n = arena_.append_child(parent);
-        set(n, tag, parent->namespace_, value);
-        return n;
-    }
-    std::size_t nodes() const { return nodes_; }
-
-private:
-    void set(tidl_yfw_datatree *n, const char *tag, const char *ns, const char *value) {
-        n->tag = arena_.text(tag);
-        n->namespace_ = const_cast<char *>(ns);
-        if (value != nullptr) {
-            n->value = arena_.text(value);
-            n->present_value = 1;
-        }
-        ++nodes_;
-    }
-    yfw::Arena &arena_;
-    std::size_t nodes_ = 0;
+struct Row {
+    const char *name;
+    uint32_t kind;
+    yfw_map_walker_fn walker;
+    const char *ns;
+    std::string outer; // `*` marks the list's entries
+    std::string entry;
 };
 
-constexpr const char *kMeasures[] = {
+// A CPU's state: eight measures of seven counters, with or without values.
+std::string cpu_measures(bool values) {
+    std::string out;
+    for (const char *m : {
 #define YMAP_WORD_(m, mw) mw,
-    YMAP_CPU_MEASURES(YMAP_WORD_)
+             YMAP_CPU_MEASURES(YMAP_WORD_)
 #undef YMAP_WORD_
+         }) {
+        out += out.empty() ? "" : ",";
+        out += std::string(m) + "(";
+        const char *sep = "";
+        for (const char *c : {"instant", "avg", "min", "max", "interval", "min-time", "max-time"}) {
+            out += std::string(sep) + c + (values ? "=7" : "");
+            sep = ",";
+        }
+        out += ")";
+    }
+    return out;
+}
+
+constexpr auto oq = ymap_oq_ocsystem_openconfigsystem_lvla_system;
+
+// clang-format off
+const std::vector<Row> &rows() {
+    static const std::vector<Row> table{
+        {"Cpus/native", KIND_GET, ymap_qo_ocsystem_tarvexqvprivateocsystemcpuoper_lvla_ocsystemcpu, NS_CPU_OPER,
+         "ocsystemcpu(system(cpuses(*)))", "cpus(index=$,state(index=$," + cpu_measures(true) + "))"},
+        {"Cpus/openconfig", KIND_GET, oq, NS_OPENCONFIG_SYSTEM,
+         "system(cpus(*))", "cpu(index=$,state(" + cpu_measures(false) + "))"},
+        {"Alarms/native", KIND_GET, ymap_qo_ocsystem_tarvexqvprivatealarmmgrocoper_lvla_amfmedt, NS_ALARM_MGR_OPER,
+         "amfm-edt(system(alarms(*)))",
+         "alarm(id=a$,state(id=a$,resource=slot1,text=alarm $,time-created=1700000000,severity=MINOR,type-id=T1))"},
+        {"Alarms/openconfig", KIND_GET, oq, NS_OPENCONFIG_SYSTEM,
+         "system(alarms(*))", "alarm(id=a$,state(id,resource,text,time-created,severity,type-id))"},
+        {"NtpServers/native", KIND_GET_CONFIG, ymap_qo_ocsystem_tarvexqvipntpcfg_lvla_ntp, NS_IP_NTP_CFG,
+         "ntp(peer-vrfs(peer-vrf(vrf-name=default,peer-ipv4s(*))))",
+         "peer-ipv4(address-ipv4=%4,peer-type-ipv4(peer-type=server,ntp-version=4))"},
+        {"NtpServers/openconfig", KIND_EDIT_A, oq, NS_OPENCONFIG_SYSTEM,
+         "system(ntp(servers(*)))",
+         "server(address=%4,config(address=%4,version=4,association-type=SERVER,iburst=true,prefer=false))"},
+        {"DnsServers/native", KIND_GET_CONFIG, ymap_qo_ocsystem_tarvexqvipdomaincfg_lvla_ipdomain, NS_IP_DOMAIN_CFG,
+         "ip-domain(vrfs(vrf(vrf-name=default,servers(*))))", "server(order=$,server-address=%4)"},
+        {"DnsServers/openconfig", KIND_EDIT_A, oq, NS_OPENCONFIG_SYSTEM,
+         "system(dns(servers(*)))", "server(address=%4,config(address=%4))"},
+        {"LoggingRemoteServers/native", KIND_GET_CONFIG, ymap_qo_ocsystem_tarvexqvinfrasyslogcfg_lvla_syslog, NS_INFRA_SYSLOG_CFG,
+         "syslog(host-server(vrfs(vrf(vrf-name=default,ipv4s(*)))))",
+         "ipv4(address=%4,ipv4-severity-port(severity=informational,port=514))"},
+        {"LoggingRemoteServers/openconfig", KIND_EDIT_A, oq, NS_OPENCONFIG_SYSTEM,
+         "system(logging(remote-servers(*)))",
+         "remote-server(host=%4,config(host=%4,remote-port=514),selectors(selector(facility=NONE,severity=WARNING,"
+         "config(facility=NONE,severity=WARNING))))"},
+        {"AaaUsers/native", KIND_GET_CONFIG, ymap_qo_ocsystem_tarvexqvaaalibcfg_lvla_aaa, NS_AAA_LIB_CFG,
+         "aaa(usernames@locald(*))", "username(ordering-index=$,name=u$,password=s3cret)"},
+        {"AaaUsers/openconfig", KIND_EDIT_A, oq, NS_OPENCONFIG_SYSTEM,
+         "system(aaa(authentication(users(*))))",
+         "user(username=u$,config(username=u$,password=s3cret,role=SYSTEM_ROLE_ADMIN))"},
+        {"GrpcServers/native", KIND_GET, ymap_qo_ocsystem_tarvexqvprivateocemsoper_lvla_ocems, NS_OC_EMS_OPER,
+         "oc-ems(system(grpc-servers(*)))",
+         "grpc-server(name=g$,state(name=g$,enable=true,port=57400,transport-security=false,certificate-id=c$))"},
+        {"GrpcServers/openconfig", KIND_GET, oq, NS_OPENCONFIG_SYSTEM,
+         "system(grpc-servers@grpc(*))", "grpc-server(name=g$,state(name,enable,port,transport-security))"},
+        {"TelnetVrfs/native", KIND_GET, ymap_qo_ocsystem_tarvexqvprivateoctelnetoper_lvla_octelnet, NS_OCTELNET_OPER,
+         "octelnet(system(telnet-server(ipv4s(*))))", "ipv4(vrf-name=v$,state(enable=true,session-limit=5))"},
+        {"TelnetVrfs/openconfig", KIND_EDIT_A, oq, NS_OPENCONFIG_SYSTEM,
+         "system(telnet-server(ipv4@ext(*)))", "vrf(vrf-name=v$,config(session-limit=5))"},
+    };
+    return table;
+}
+// clang-format on
+
+// The input tree of the last benchmark, kept across the runs Google Benchmark
+// makes of one benchmark while it sizes the iterations.
+struct Input {
+    const Row *row = nullptr;
+    std::size_t wanted = 0;
+    std::unique_ptr<bench::TreeStore> store;
+    tidl_yfw_datatree *root = nullptr;
+    std::size_t nodes = 0;
 };
-constexpr const char *kCounters[] = {"instant",  "avg",      "min",     "max",
-                                     "interval", "min-time", "max-time"};
-constexpr std::size_t kNodesPerCpu = 4 + 8 * 8;
-constexpr std::size_t kNodesPerAlarm = 9;
 
-// A native CPU answer: /ocsystemcpu/system/cpuses/cpus[index]/state/<measure>/<counter>.
-tidl_yfw_datatree *native_cpus(Builder &b, std::size_t cpus) {
-    tidl_yfw_datatree *root = b.root("ocsystemcpu", NS_CPU_OPER);
-    tidl_yfw_datatree *cpuses = b.add(b.add(root, "system"), "cpuses");
-    for (std::size_t i = 0; i < cpus; ++i) {
-        // The entry is appended before its children: later appends move siblings.
-        tidl_yfw_datatree *cpu = b.add(cpuses, "cpus");
-        const std::string index = std::to_string(i);
-        b.add(cpu, "index", index.c_str());
-        tidl_yfw_datatree *st = b.add(cpu, "state");
-        b.add(st, "index", index.c_str());
-        for (const char *m : kMeasures) {
-            tidl_yfw_datatree *measure = b.add(st, m);
-            for (const char *c : kCounters)
-                b.add(measure, c, "7");
-        }
+const Input &input_for(const Row &row, std::size_t wanted) {
+    static Input input;
+    if (input.row != &row || input.wanted != wanted) {
+        input = Input{&row, wanted, std::make_unique<bench::TreeStore>()};
+        const std::size_t entries =
+            std::max<std::size_t>(1, wanted / bench::TreeStore::nodes_per_entry(row.entry));
+        input.root = input.store->build(row.outer, row.entry, row.ns, entries, input.nodes);
     }
-    return root;
+    return input;
 }
 
-// A native alarm answer: /amfm-edt/system/alarms/alarm[id]/state/...
-tidl_yfw_datatree *native_alarms(Builder &b, std::size_t alarms) {
-    tidl_yfw_datatree *root = b.root("amfm-edt", NS_ALARM_MGR_OPER);
-    tidl_yfw_datatree *list = b.add(b.add(root, "system"), "alarms");
-    for (std::size_t i = 0; i < alarms; ++i) {
-        tidl_yfw_datatree *alarm = b.add(list, "alarm");
-        const std::string id = "alarm-" + std::to_string(i);
-        b.add(alarm, "id", id.c_str());
-        tidl_yfw_datatree *st = b.add(alarm, "state");
-        b.add(st, "id", id.c_str());
-        b.add(st, "resource", "linecard0");
-        b.add(st, "text", "fan failure");
-        b.add(st, "time-created", "1700000000");
-        b.add(st, "severity", "MAJOR");
-        b.add(st, "type-id", "FAN");
-    }
-    return root;
-}
-
-// An OpenConfig read naming every alarm by its key and every state leaf.
-tidl_yfw_datatree *oc_alarms_read(Builder &b, std::size_t alarms) {
-    tidl_yfw_datatree *root = b.root("system", NS_OPENCONFIG_SYSTEM);
-    tidl_yfw_datatree *list = b.add(root, "alarms");
-    for (std::size_t i = 0; i < alarms; ++i) {
-        tidl_yfw_datatree *alarm = b.add(list, "alarm");
-        const std::string id = "alarm-" + std::to_string(i);
-        b.add(alarm, "id", id.c_str());
-        tidl_yfw_datatree *st = b.add(alarm, "state");
-        for (const char *leaf : {"id", "resource", "text", "time-created", "severity", "type-id"})
-            b.add(st, leaf);
-    }
-    return root;
-}
-
-// An OpenConfig read naming every CPU by its key and every counter.
-tidl_yfw_datatree *oc_cpus_read(Builder &b, std::size_t cpus) {
-    tidl_yfw_datatree *root = b.root("system", NS_OPENCONFIG_SYSTEM);
-    tidl_yfw_datatree *list = b.add(root, "cpus");
-    for (std::size_t i = 0; i < cpus; ++i) {
-        tidl_yfw_datatree *cpu = b.add(list, "cpu");
-        b.add(cpu, "index", std::to_string(i).c_str());
-        // state/index is refused in a request: the key names the CPU.
-        tidl_yfw_datatree *st = b.add(cpu, "state");
-        for (const char *m : kMeasures) {
-            tidl_yfw_datatree *measure = b.add(st, m);
-            for (const char *c : kCounters)
-                b.add(measure, c);
-        }
-    }
-    return root;
-}
-
-using Make = tidl_yfw_datatree *(*)(Builder &, std::size_t);
-
-void walk(benchmark::State &state, Make make, std::size_t nodes_per_entry,
-          yfw_map_walker_fn walker) {
-    yfw::Arena arena;
-    Builder b(arena);
-    tidl_yfw_datatree *input = make(b, static_cast<std::size_t>(state.range(0)) / nodes_per_entry);
+void walk(benchmark::State &state, const Row &row) {
+    const Input &input = input_for(row, static_cast<std::size_t>(state.range(0)));
+    uint64_t produced = 0;
     for (auto _ : state) {
-        yfw::Session session(KIND_GET);
-        const cerrno status = walker(session.ctx(), input, session.output());
-        if (status != YFW_SUCCESS)
-            state.SkipWithError("walk failed");
-        benchmark::DoNotOptimize(session.output());
+        bench::Request request(row.kind);
+        const cerrno status = row.walker(request.ctx(), input.root, request.output());
+        if (status != YFW_SUCCESS) {
+            char text[64];
+            std::snprintf(text, sizeof text, "walk failed: 0x%08x", static_cast<unsigned>(status));
+            state.SkipWithError(text);
+            break;
+        }
+        produced = request.produced();
+        benchmark::DoNotOptimize(produced);
     }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * b.nodes()));
-    state.counters["nodes"] = static_cast<double>(b.nodes());
+    const auto nodes = static_cast<double>(input.nodes);
+    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * input.nodes));
+    state.counters["nodes"] = nodes;
+    state.counters["produced"] = static_cast<double>(produced);
+    state.counters["per_node"] = benchmark::Counter(
+        nodes, benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-void BM_NativeCpusToOpenConfig(benchmark::State &state) {
-    walk(state, native_cpus, kNodesPerCpu,
-         ymap_qo_ocsystem_tarvexqvprivateocsystemcpuoper_lvla_ocsystemcpu);
-}
-void BM_NativeAlarmsToOpenConfig(benchmark::State &state) {
-    walk(state, native_alarms, kNodesPerAlarm,
-         ymap_qo_ocsystem_tarvexqvprivatealarmmgrocoper_lvla_amfmedt);
-}
-void BM_OpenConfigCpusToNative(benchmark::State &state) {
-    walk(state, oc_cpus_read, kNodesPerCpu - 2, ymap_oq_ocsystem_openconfigsystem_lvla_system);
-}
-void BM_OpenConfigAlarmsToNative(benchmark::State &state) {
-    walk(state, oc_alarms_read, kNodesPerAlarm, ymap_oq_ocsystem_openconfigsystem_lvla_system);
-}
-
-#define YMAP_SIZES ->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond)
-BENCHMARK(BM_NativeCpusToOpenConfig) YMAP_SIZES;
-BENCHMARK(BM_NativeAlarmsToOpenConfig) YMAP_SIZES;
-BENCHMARK(BM_OpenConfigCpusToNative) YMAP_SIZES;
-BENCHMARK(BM_OpenConfigAlarmsToNative) YMAP_SIZES;
+const bool registered = [] {
+    for (const Row &row : rows()) {
+        const std::string name =
+            "Walk/" + std::string(row.name) + "/" + std::string(bench::kHostName);
+        benchmark::RegisterBenchmark(name.c_str(), walk, row)
+            ->RangeMultiplier(10)
+            ->Range(1000, 1000000)
+            ->Unit(benchmark::kMillisecond);
+    }
+    return true;
+}();
 
 } // namespace

@@ -73,14 +73,14 @@ constexpr std::array<Named, 9> kStatuses{{
 
 struct Format {
     std::string_view name;
-    std::string (*write)(const tidl_yfw_datatree &document);
+    void (*write)(std::ostream &out, const tidl_yfw_datatree &document);
 };
 
 // ietf-json has no writer of its own: the models print it.
 constexpr std::array<Format, 4> kFormats{{
-    {"paths", to_paths},
-    {"xml", to_xml},
-    {"json", to_json},
+    {"paths", write_paths},
+    {"xml", write_xml},
+    {"json", write_json},
     {"ietf-json", nullptr},
 }};
 
@@ -187,12 +187,20 @@ std::string input_name(std::string_view file) {
     return file == "-" ? std::string("standard input") : std::string(file);
 }
 
+// The whole input in one string, read in large pieces straight into it.
 std::string read_input(std::string_view file, std::istream &in) {
-    auto slurp = [](std::istream &s) {
-        return std::string(std::istreambuf_iterator<char>(s), std::istreambuf_iterator<char>());
+    auto slurp = [](std::istream &s, std::string &text) {
+        constexpr std::size_t kPiece = 1 << 16;
+        for (std::size_t got = 0; s; text.resize(got)) {
+            text.resize(got + kPiece);
+            s.read(text.data() + got, kPiece);
+            got += static_cast<std::size_t>(s.gcount());
+        }
     };
+    std::string text;
     if (file == "-") {
-        return slurp(in);
+        slurp(in, text);
+        return text;
     }
     const std::filesystem::path path(file);
     std::error_code ec;
@@ -203,7 +211,11 @@ std::string read_input(std::string_view file, std::istream &in) {
     if (!stream) {
         throw InputError(input_name(file) + ": " + std::strerror(errno));
     }
-    std::string text = slurp(stream);
+    // A regular file's size is known: one allocation of the right size.
+    if (const auto size = std::filesystem::file_size(path, ec); !ec) {
+        text.reserve(static_cast<std::size_t>(size));
+    }
+    slurp(stream, text);
     if (stream.bad()) {
         throw InputError(input_name(file) + ": read error");
     }
@@ -341,11 +353,13 @@ std::vector<tidl_yfw_datatree *> typed_request(const yang::Models &models, std::
 }
 
 // The output printed: OpenConfig roots by the models (checked with
-// --validate), native roots by the tool's own writers.
-std::string write_output(const MapOptions &options, const yang::Models *models,
-                         const tidl_yfw_datatree &document, yfw::Arena &arena) {
+// --validate), native roots by the tool's own writers. Nothing is written
+// when the models refuse the answer or a writer refuses the tree.
+void write_output(std::ostream &out, const MapOptions &options, const yang::Models *models,
+                  const tidl_yfw_datatree &document, yfw::Arena &arena) {
     if (models == nullptr) {
-        return options.format->write(document);
+        options.format->write(out, document);
+        return;
     }
     std::vector<tidl_yfw_datatree *> native;
     for (const tidl_yfw_datatree &root : detail::children_of(document)) {
@@ -370,13 +384,17 @@ std::string write_output(const MapOptions &options, const yang::Models *models,
         if (!native.empty()) {
             throw std::invalid_argument("native data is not in the models");
         }
-        return yang::print(typed.get(), yang::Format::json);
+        out << yang::print(typed.get(), yang::Format::json);
+        return;
     }
-    if (options.format->write != to_xml) {
-        return options.format->write(document);
+    if (options.format->write != write_xml) {
+        options.format->write(out, document);
+        return;
     }
-    std::string text = native.empty() ? std::string() : to_xml(*document_of(arena, native));
-    return text + yang::print(typed.get(), yang::Format::xml);
+    if (!native.empty()) {
+        write_xml(out, *document_of(arena, native));
+    }
+    out << yang::print(typed.get(), yang::Format::xml);
 }
 
 void report_rejected(std::ostream &err, const Rejected &r) {
@@ -390,7 +408,7 @@ void report_rejected(std::ostream &err, const Rejected &r) {
 
 int map_command(const MapOptions &options, std::istream &in, std::ostream &out, std::ostream &err,
                 std::span<const yfw_map_reg_mod_t> trees) {
-    const std::string text = read_input(*options.file, in);
+    std::string text = read_input(*options.file, in);
     const std::optional<yang::Models> models = load_models(options);
     yfw::Session session(*options.kind, options.oper_only);
     std::vector<tidl_yfw_datatree *> roots;
@@ -410,6 +428,7 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
             return 3;
         }
     }
+    std::string().swap(text); // the trees hold copies of what they need
     // Every root must have a tree before any is mapped.
     std::vector<yfw_map_walker_fn> walkers;
     for (const tidl_yfw_datatree *root : roots) {
@@ -428,31 +447,23 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
         status = walkers[i](session.ctx(), roots[i], session.output());
     }
 
-    std::string printed;
-    std::optional<std::string> write_error;
-    std::optional<Rejected> rejected;
-    try {
-        printed =
-            write_output(options, models ? &*models : nullptr, *session.output(), session.arena());
-    } catch (const std::invalid_argument &e) {
-        write_error = e.what();
-    } catch (Rejected &r) {
-        rejected = std::move(r);
-    }
     if (options.trace) {
         print_lines(err, session.debug_log());
         print_lines(err, session.ring_trace());
     }
-    if (write_error) {
+    // The tree goes out before the report, so that a reader of both streams
+    // sees the status last. A writer refuses a tree before writing any of it.
+    std::optional<std::string> write_error;
+    std::optional<Rejected> rejected;
+    try {
+        write_output(out, options, models ? &*models : nullptr, *session.output(), session.arena());
+        out << std::flush;
+    } catch (const std::invalid_argument &e) {
+        write_error = e.what();
         err << "ocsysmap: the output tree has no " << options.format->name
             << " form: " << *write_error << '\n';
-    }
-    // The tree goes out before the report, so that a reader of both streams
-    // sees the status last.
-    if (!write_error && !rejected) {
-        out << printed << std::flush;
-    }
-    if (rejected) {
+    } catch (Rejected &r) {
+        rejected = std::move(r);
         report_rejected(err, *rejected);
     }
     report(err, status, session);

@@ -1,16 +1,56 @@
-// Node arrays and texts, and the process-wide index that tells for any node in
-// an arena array which node holds the array (operation inheritance needs it).
+// Node arrays and texts. Arrays are cut from large slabs, and every slab
+// keeps, per node slot, the block whose array holds the slot: so the block of
+// any node (for its parent and its arena) is two look-ups, and growing an
+// array costs no allocation of its own.
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 #include "internal.hpp"
 
 namespace yfw {
 
+namespace detail {
+
+// A run of node slots, left unwritten until an array takes them: every slot is
+// zeroed when it becomes a child, and nothing reads past a node's children.
+// A dedicated slab holds one large array alone and goes back to the system
+// when that array moves.
+struct Slab {
+    std::unique_ptr<tidl_yfw_datatree[]> nodes;
+    // Per slot: 1 + the index of the block in the arena's blocks, 0 for none.
+    std::unique_ptr<uint32_t[]> owner;
+    uint32_t capacity = 0;
+    uint32_t used = 0;
+    bool dedicated = false;
+    Arena::Impl *arena = nullptr;
+};
+
+} // namespace detail
+
 struct Arena::Impl {
+    // Slabs double from the first size to the last, so that a small request
+    // stays small; the large arrays get slabs of their own.
+    static constexpr uint32_t kFirstSlabNodes = 256;
+    static constexpr uint32_t kSlabNodes = 16384;
+    static constexpr uint32_t kDedicatedFrom = kSlabNodes / 4;
+
     std::pmr::monotonic_buffer_resource text_memory;
     std::unordered_set<std::string_view> texts;
+    // The texts interned last, by the caller's pointer: the library names the
+    // same tags and namespaces from the same literals again and again.
+    struct Recent {
+        const char *source = nullptr;
+        std::size_t size = 0;
+        char *copy = nullptr;
+    };
+    std::array<Recent, 64> recent{};
+
     std::deque<detail::Block> blocks; // headers stay put; a released one has no nodes
+    std::vector<std::unique_ptr<detail::Slab>> slabs;
+    detail::Slab *open_slab = nullptr;
+    // Released arrays of slabs, by the log2 of their capacity.
+    std::array<std::vector<tidl_yfw_datatree *>, 32> free_arrays;
 
     Impl() = default;
     Impl(const Impl &) = delete;
@@ -18,40 +58,123 @@ struct Arena::Impl {
     ~Impl();
 
     detail::Block &new_block(const tidl_yfw_datatree *parent, uint32_t capacity);
+    // Points `block` at a zeroed array of `capacity` (a power of two) slots.
+    void allocate(detail::Block &block, uint32_t capacity);
+    void release(tidl_yfw_datatree *nodes, uint32_t capacity);
+
+private:
+    detail::Slab &new_slab(uint32_t capacity, bool dedicated);
 };
 
 namespace detail {
 namespace {
 
-// Blocks by the address of their first node. One thread uses the framework.
-std::map<const tidl_yfw_datatree *, Block *, std::less<>> &block_index() {
-    static std::map<const tidl_yfw_datatree *, Block *, std::less<>> index;
+bool inside(const tidl_yfw_datatree *node, const tidl_yfw_datatree *first, std::size_t count) {
+    const auto at = reinterpret_cast<std::uintptr_t>(node);
+    const auto from = reinterpret_cast<std::uintptr_t>(first);
+    return at >= from && at - from < count * sizeof(tidl_yfw_datatree);
+}
+
+// Slabs of every arena by their first slot. One thread uses the framework.
+struct SlabIndex {
+    std::map<std::uintptr_t, Slab *> by_start;
+    // The slabs found last, most recent first: the input tree's, the output's.
+    std::array<Slab *, 4> recent{};
+
+    Slab *find(const tidl_yfw_datatree *node) {
+        for (std::size_t i = 0; i < recent.size(); ++i) {
+            Slab *slab = recent[i];
+            if (slab != nullptr && inside(node, slab->nodes.get(), slab->capacity)) {
+                std::rotate(recent.begin(), recent.begin() + static_cast<std::ptrdiff_t>(i),
+                            recent.begin() + static_cast<std::ptrdiff_t>(i) + 1);
+                return slab;
+            }
+        }
+        auto it = by_start.upper_bound(reinterpret_cast<std::uintptr_t>(node));
+        if (it == by_start.begin())
+            return nullptr;
+        Slab *slab = std::prev(it)->second;
+        if (!inside(node, slab->nodes.get(), slab->capacity))
+            return nullptr;
+        std::rotate(recent.begin(), recent.end() - 1, recent.end());
+        recent[0] = slab;
+        return slab;
+    }
+    void add(Slab &slab) {
+        by_start.emplace(reinterpret_cast<std::uintptr_t>(slab.nodes.get()), &slab);
+    }
+    void remove(const Slab &slab) {
+        by_start.erase(reinterpret_cast<std::uintptr_t>(slab.nodes.get()));
+        std::ranges::replace(recent, &slab, nullptr);
+    }
+};
+
+SlabIndex &slab_index() {
+    static SlabIndex index;
     return index;
 }
 
-void register_block(Block &block) {
-    block_index().emplace(block.nodes.get(), &block);
-}
+// Slab memory that arenas gave back, for the next arenas: a framework serves
+// request after request, and fresh memory costs a page fault per page.
+class SlabPool {
+public:
+    // Kept up to this much (the output of a million-node walk fits); past it,
+    // memory goes back to the system.
+    static constexpr std::size_t kMaxBytes = std::size_t{512} << 20;
 
-void unregister_block(const Block &block) {
-    if (block.nodes)
-        block_index().erase(block.nodes.get());
+    static std::size_t bytes_of(uint32_t capacity) {
+        return capacity * (sizeof(tidl_yfw_datatree) + sizeof(uint32_t));
+    }
+    // Memory for `capacity` slots into `slab`, from the pool when it has some.
+    void take(Slab &slab, uint32_t capacity) {
+        if (auto it = kept_.find(capacity); it != kept_.end()) {
+            slab.nodes = std::move(it->second.nodes);
+            slab.owner = std::move(it->second.owner);
+            kept_.erase(it);
+            bytes_ -= bytes_of(capacity);
+        } else {
+            slab.nodes = std::make_unique_for_overwrite<tidl_yfw_datatree[]>(capacity);
+            slab.owner = std::make_unique_for_overwrite<uint32_t[]>(capacity);
+        }
+        slab.capacity = capacity;
+    }
+    void give(Slab &slab) {
+        if (bytes_ + bytes_of(slab.capacity) <= kMaxBytes) {
+            bytes_ += bytes_of(slab.capacity);
+            kept_.emplace(slab.capacity, Memory{std::move(slab.nodes), std::move(slab.owner)});
+        }
+        slab.nodes.reset();
+        slab.owner.reset();
+        slab.capacity = 0;
+    }
+
+private:
+    struct Memory {
+        std::unique_ptr<tidl_yfw_datatree[]> nodes;
+        std::unique_ptr<uint32_t[]> owner;
+    };
+    std::multimap<uint32_t, Memory> kept_;
+    std::size_t bytes_ = 0;
+};
+
+SlabPool &slab_pool() {
+    static SlabPool pool;
+    return pool;
 }
 
 uint32_t grown_capacity(uint32_t needed) {
     if (needed > UINT32_MAX / 2)
         fail_assert("node array too large");
-    return std::max<uint32_t>(4, needed * 2);
+    return std::bit_ceil(std::max<uint32_t>(2, needed));
 }
 
-// Moves the live nodes of `block` into a larger array.
+// Moves the live nodes of `block` into an array for `needed`.
 void grow(Block &block, uint32_t live, uint32_t needed) {
-    auto fresh = std::make_unique<tidl_yfw_datatree[]>(grown_capacity(needed));
-    std::copy_n(block.nodes.get(), live, fresh.get());
-    unregister_block(block);
-    block.nodes = std::move(fresh);
-    block.capacity = grown_capacity(needed);
-    register_block(block);
+    tidl_yfw_datatree *old = block.nodes;
+    const uint32_t old_capacity = block.capacity;
+    block.arena->allocate(block, grown_capacity(needed));
+    std::copy_n(old, live, block.nodes);
+    block.arena->release(old, old_capacity);
     fix_parents(block, 0, live);
 }
 
@@ -62,20 +185,21 @@ void fail_assert(const char *what) {
     std::abort();
 }
 
-Block *block_starting_at(const tidl_yfw_datatree *array) {
-    auto &index = block_index();
-    auto it = index.find(array);
-    return it == index.end() ? nullptr : it->second;
+Block *block_containing(const tidl_yfw_datatree *node) {
+    Slab *slab = node != nullptr ? slab_index().find(node) : nullptr;
+    if (slab == nullptr)
+        return nullptr;
+    const auto slot = static_cast<std::size_t>(node - slab->nodes.get());
+    if (!slab->dedicated && slot >= slab->used)
+        return nullptr; // never handed out
+    const uint32_t owner = slab->owner[slot];
+    Block *block = owner != 0 ? &slab->arena->blocks[owner - 1] : nullptr;
+    return block != nullptr && inside(node, block->nodes, block->capacity) ? block : nullptr;
 }
 
-Block *block_containing(const tidl_yfw_datatree *node) {
-    auto &index = block_index();
-    auto it = index.upper_bound(node);
-    if (it == index.begin())
-        return nullptr;
-    Block *block = std::prev(it)->second;
-    const tidl_yfw_datatree *first = block->nodes.get();
-    return std::less<>{}(node, first + block->capacity) ? block : nullptr;
+Block *block_starting_at(const tidl_yfw_datatree *array) {
+    Block *block = block_containing(array);
+    return block != nullptr && block->nodes == array ? block : nullptr;
 }
 
 Arena::Impl *arena_of(const tidl_yfw_datatree *node) {
@@ -92,7 +216,7 @@ std::span<tidl_yfw_datatree> children(const tidl_yfw_datatree *node) {
 const tidl_yfw_datatree *child_with_tag(const tidl_yfw_datatree *node, std::string_view tag) {
     auto kids = children(node);
     auto it = std::ranges::find_if(
-        kids, [tag](const tidl_yfw_datatree &kid) { return kid.tag != nullptr && tag == kid.tag; });
+        kids, [tag](const tidl_yfw_datatree &kid) { return is_text(kid.tag, tag); });
     return it == kids.end() ? nullptr : &*it;
 }
 
@@ -114,9 +238,9 @@ Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home) {
     Block *holder = block_containing(parent);
     Arena::Impl &arena = holder != nullptr ? *holder->arena : home;
     Block &block = arena.new_block(parent, grown_capacity(static_cast<uint32_t>(kids.size())));
-    std::copy(kids.begin(), kids.end(), block.nodes.get());
+    std::copy(kids.begin(), kids.end(), block.nodes);
     fix_parents(block, 0, static_cast<uint32_t>(kids.size()));
-    parent->subtrees = block.nodes.get();
+    parent->subtrees = block.nodes;
     return &block;
 }
 
@@ -134,7 +258,7 @@ tidl_yfw_datatree *append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bo
         block->forget_lookups();
     tidl_yfw_datatree *child = &block->nodes[live];
     *child = tidl_yfw_datatree{};
-    yfw_dt_set_subtrees(parent, block->nodes.get(), live + 1);
+    yfw_dt_set_subtrees(parent, block->nodes, live + 1);
     return child;
 }
 
@@ -143,7 +267,7 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
     const uint32_t live = parent->subtree_count;
     if (block == nullptr || pos >= live)
         fail_assert("remove_child outside an arena array");
-    tidl_yfw_datatree *nodes = block->nodes.get();
+    tidl_yfw_datatree *nodes = block->nodes;
     std::copy(nodes + pos + 1, nodes + live, nodes + pos);
     nodes[live - 1] = tidl_yfw_datatree{};
     parent->subtree_count = live - 1;
@@ -157,7 +281,8 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
     lookups.first_by_tag.clear();
     lookups.by_tag_value.clear();
     const bool was_last = pos == live - 1;
-    for (auto &[tag, list] : lookups.lists) {
+    for (NamedList &named : lookups.lists) {
+        ListState &list = named.state;
         if (list.current == pos)
             list.current = kNone;
         else if (list.current != kNone && list.current > pos)
@@ -173,36 +298,51 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
 
 void release_children(tidl_yfw_datatree *node) {
     if (Block *block = node->present_subtrees ? block_starting_at(node->subtrees) : nullptr) {
-        unregister_block(*block);
-        block->nodes.reset();
+        block->arena->release(block->nodes, block->capacity);
+        block->nodes = nullptr;
         block->capacity = 0;
         block->forget_lookups();
     }
     yfw_dt_clear_subtrees(node);
 }
 
-char *intern(Arena::Impl &arena, std::string_view text) {
-    if (auto it = arena.texts.find(text); it != arena.texts.end())
-        return const_cast<char *>(it->data());
+char *copy_text(Arena::Impl &arena, std::string_view text) {
     auto *copy = static_cast<char *>(arena.text_memory.allocate(text.size() + 1, 1));
     std::memcpy(copy, text.data(), text.size());
     copy[text.size()] = '\0';
-    arena.texts.emplace(copy, text.size());
     return copy;
 }
 
-std::vector<std::string_view> split_path(std::string_view path) {
-    std::vector<std::string_view> segments;
-    while (!path.empty()) {
-        const std::size_t slash = path.find('/');
-        std::string_view segment = path.substr(0, slash);
-        path = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
-        if (const std::size_t colon = segment.rfind(':'); colon != std::string_view::npos)
-            segment.remove_prefix(colon + 1);
-        if (!segment.empty())
-            segments.push_back(segment);
+char *intern(Arena::Impl &arena, std::string_view text) {
+    const auto source = reinterpret_cast<std::uintptr_t>(text.data());
+    Arena::Impl::Recent &recent = arena.recent[(source >> 3 ^ source >> 9) % arena.recent.size()];
+    // The same pointer may have been filled anew since: the text decides.
+    if (recent.source == text.data() && recent.size == text.size() &&
+        std::memcmp(recent.copy, text.data(), text.size()) == 0)
+        return recent.copy;
+    char *copy;
+    if (auto it = arena.texts.find(text); it != arena.texts.end()) {
+        copy = const_cast<char *>(it->data());
+    } else {
+        copy = copy_text(arena, text);
+        arena.texts.emplace(copy, text.size());
     }
-    return segments;
+    recent = {text.data(), text.size(), copy};
+    return copy;
+}
+
+void split_path(std::string_view path, Segments &segments) {
+    std::size_t prefix = 0; // where the present segment's name starts, past any ':'
+    for (std::size_t i = 0; i <= path.size(); ++i) {
+        const char c = i < path.size() ? path[i] : '/';
+        if (c == ':') {
+            prefix = i + 1;
+        } else if (c == '/') {
+            if (i > prefix)
+                segments.push_back(path.substr(prefix, i - prefix));
+            prefix = i + 1;
+        }
+    }
 }
 
 std::string normalize_path(std::string_view path) {
@@ -235,17 +375,79 @@ bool well_formed_path(std::string_view path) {
 } // namespace detail
 
 Arena::Impl::~Impl() {
-    for (const detail::Block &block : blocks)
-        detail::unregister_block(block);
+    for (const auto &slab : slabs) {
+        if (slab->nodes) {
+            detail::slab_index().remove(*slab);
+            detail::slab_pool().give(*slab);
+        }
+    }
+}
+
+detail::Slab &Arena::Impl::new_slab(uint32_t capacity, bool dedicated) {
+    auto slab = std::make_unique<detail::Slab>();
+    detail::slab_pool().take(*slab, capacity);
+    slab->dedicated = dedicated;
+    slab->arena = this;
+    detail::slab_index().add(*slab);
+    return *slabs.emplace_back(std::move(slab));
+}
+
+void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
+    auto &free = free_arrays[static_cast<std::size_t>(std::countr_zero(capacity))];
+    tidl_yfw_datatree *nodes;
+    detail::Slab *slab;
+    if (!free.empty()) {
+        nodes = free.back();
+        free.pop_back();
+        slab = detail::slab_index().find(nodes);
+    } else if (capacity >= kDedicatedFrom) {
+        slab = &new_slab(capacity, true);
+        nodes = slab->nodes.get();
+    } else {
+        if (open_slab == nullptr || open_slab->capacity - open_slab->used < capacity) {
+            // The rest of the full slab goes to the free arrays, largest first.
+            for (uint32_t rest;
+                 open_slab != nullptr && (rest = open_slab->capacity - open_slab->used) > 0;) {
+                const uint32_t piece = std::bit_floor(rest);
+                free_arrays[static_cast<std::size_t>(std::countr_zero(piece))].push_back(
+                    open_slab->nodes.get() + open_slab->used);
+                std::fill_n(open_slab->owner.get() + open_slab->used, piece, 0u);
+                open_slab->used += piece;
+            }
+            const uint32_t size = open_slab == nullptr
+                                      ? kFirstSlabNodes
+                                      : std::min(kSlabNodes, open_slab->capacity * 2);
+            open_slab = &new_slab(std::max(size, capacity), false);
+        }
+        slab = open_slab;
+        nodes = slab->nodes.get() + slab->used;
+        slab->used += capacity;
+    }
+    std::fill_n(slab->owner.get() + (nodes - slab->nodes.get()), capacity, block.index + 1);
+    block.nodes = nodes;
+    block.capacity = capacity;
+}
+
+void Arena::Impl::release(tidl_yfw_datatree *nodes, uint32_t capacity) {
+    detail::Slab *slab = nodes != nullptr ? detail::slab_index().find(nodes) : nullptr;
+    if (slab == nullptr)
+        return;
+    if (slab->dedicated) {
+        detail::slab_index().remove(*slab);
+        detail::slab_pool().give(*slab);
+        return;
+    }
+    free_arrays[static_cast<std::size_t>(std::countr_zero(capacity))].push_back(nodes);
 }
 
 detail::Block &Arena::Impl::new_block(const tidl_yfw_datatree *parent, uint32_t capacity) {
+    if (blocks.size() >= UINT32_MAX)
+        detail::fail_assert("too many node arrays");
     detail::Block &block = blocks.emplace_back();
-    block.nodes = std::make_unique<tidl_yfw_datatree[]>(capacity);
-    block.capacity = capacity;
+    block.index = static_cast<uint32_t>(blocks.size() - 1);
     block.parent = parent;
     block.arena = this;
-    detail::register_block(block);
+    allocate(block, detail::grown_capacity(capacity));
     return block;
 }
 
@@ -256,8 +458,14 @@ char *Arena::text(std::string_view text) {
     return detail::intern(*impl_, text);
 }
 
+char *Arena::copy(std::string_view text) {
+    return detail::copy_text(*impl_, text);
+}
+
 tidl_yfw_datatree *Arena::new_root() {
-    return impl_->new_block(nullptr, 1).nodes.get();
+    tidl_yfw_datatree *root = impl_->new_block(nullptr, 1).nodes;
+    *root = tidl_yfw_datatree{};
+    return root;
 }
 
 tidl_yfw_datatree *Arena::append_child(tidl_yfw_datatree *parent) {

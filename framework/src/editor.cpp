@@ -26,7 +26,7 @@ void append_key(std::string &tuple, std::string_view value) {
 }
 
 bool has_tag(const tidl_yfw_datatree &node, std::string_view tag) {
-    return node.tag != nullptr && tag == node.tag;
+    return is_text(node.tag, tag);
 }
 
 // The array of `parent` with its tag index, when it is wide enough to want one.
@@ -75,7 +75,7 @@ tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view
     child->tag = intern(texts, tag);
     child->namespace_ = ns != nullptr ? intern(texts, ns) : nullptr;
     if (value != nullptr) {
-        child->value = intern(texts, value);
+        child->value = copy_text(texts, value);
         child->present_value = 1;
     }
     if (Block *block = block_starting_at(parent->subtrees); block && block->tag_indexed()) {
@@ -134,7 +134,7 @@ void Editor::set_value(tidl_yfw_datatree *parent, tidl_yfw_datatree *node, const
         if (it != valued->end() && it->second == position(parent, node))
             valued->erase(it);
     }
-    node->value = intern(arena_for(node), value);
+    node->value = copy_text(arena_for(node), value);
     node->present_value = 1;
     if (valued != nullptr)
         valued->try_emplace(tag_value_key(node->tag, value), position(parent, node));
@@ -145,8 +145,10 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
     Block *block = own_children(parent, home_);
     if (block == nullptr)
         return nullptr;
-    auto [it, fresh] = block->lookup().lists.try_emplace(std::string(tag));
-    ListState &list = it->second;
+    auto &lists = block->lookup().lists;
+    auto it = std::ranges::find(lists, tag, &NamedList::tag);
+    const bool fresh = it == lists.end();
+    ListState &list = fresh ? lists.emplace_front(std::string(tag), ListState{}).state : it->state;
     if (fresh) {
         // First use here (or the array was touched by a host): the last entry is current.
         auto kids = children(parent);
@@ -227,6 +229,10 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
 
 uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
                             std::span<const std::string_view> keys, const OpenEntry &open) {
+    ListState *list = list_state(parent, tag, keys);
+    // Its entry is current already: the common case, with no keys to gather.
+    if (list != nullptr && list->bound_to == open.serial)
+        return current_entry(parent, tag, keys, false);
     EntryKeys wanted{{keys.begin(), keys.end()}, {}};
     for (std::string_view key : keys) {
         auto it = std::ranges::find(open.key_names, key);
@@ -236,9 +242,8 @@ uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
         wanted.values.push_back(
             open.key_values[static_cast<std::size_t>(it - open.key_names.begin())]);
     }
-    ListState *list = list_state(parent, tag, keys);
-    // Another list than the input entry's, or its entry is current already.
-    if (wanted.values.size() != keys.size() || (list != nullptr && list->bound_to == open.serial))
+    // Another list than the input entry's.
+    if (wanted.values.size() != keys.size())
         return current_entry(parent, tag, keys, false);
     uint32_t entry;
     if (list != nullptr && list->current != kNone &&
@@ -352,16 +357,16 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
 
 Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
                    const char *value, bool list_entry, const OpenEntry *open) {
-    // The schema path of each prefix and its keys, looked up once.
+    // The keys of each prefix, looked up once by a hash extended per segment;
+    // the path itself is only spelled out for an add that sets a key.
     const bool by_schema = tree->tag == nullptr;
-    std::string schema;
-    std::vector<std::size_t> ends(segments.size());
-    std::vector<std::span<const std::string_view>> keys_at(segments.size());
+    thread_local std::vector<std::span<const std::string_view>> keys_at;
+    keys_at.assign(segments.size(), {});
+    SchemaHash hash;
     std::size_t innermost = kNoDepth;
-    for (std::size_t i = 0; i < segments.size(); ++i) {
-        schema.append("/").append(segments[i]);
-        ends[i] = schema.size();
-        if (by_schema && !(keys_at[i] = list_keys(schema)).empty())
+    for (std::size_t i = 0; i < segments.size() && by_schema; ++i) {
+        hash.add_segment(segments[i]);
+        if (!(keys_at[i] = list_keys_hashed(hash.value, segments.first(i + 1))).empty())
             innermost = i;
     }
     auto is_key_of = [&](std::size_t list, std::string_view segment) {
@@ -389,9 +394,11 @@ Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> se
         }
         if (last && i > 0 && at.parent != nullptr && !keys_at[i - 1].empty() &&
             is_key_of(i - 1, segment)) {
-            return set_key(at.parent, position(at.parent, at.node), segments[i - 1],
-                           std::string_view(schema).substr(0, ends[i - 1]), keys_at[i - 1], segment,
-                           value);
+            std::string schema;
+            for (std::string_view step : segments.first(i))
+                schema.append("/").append(step);
+            return set_key(at.parent, position(at.parent, at.node), segments[i - 1], schema,
+                           keys_at[i - 1], segment, value);
         }
         tidl_yfw_datatree *next = nullptr;
         if (last && list_entry && value != nullptr) {

@@ -3,10 +3,13 @@
 // behind yfw_map_ctx::session.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <deque>
+#include <forward_list>
 #include <map>
 #include <memory>
 #include <memory_resource>
@@ -47,13 +50,72 @@ inline std::string_view text_of(const char *s) {
     return s != nullptr ? std::string_view(s) : std::string_view();
 }
 inline bool same_text(const char *a, const char *b) {
-    return a != nullptr && b != nullptr && std::string_view(a) == std::string_view(b);
+    return a != nullptr && b != nullptr && (a == b || std::strcmp(a, b) == 0);
+}
+// Whether the terminated `text` is `view`, without measuring `text` first.
+inline bool is_text(const char *text, std::string_view view) {
+    if (text == nullptr || (!view.empty() && text[0] != view[0]))
+        return false;
+    return std::strncmp(text, view.data(), view.size()) == 0 && text[view.size()] == '\0';
 }
 
 // ---- Paths -----------------------------------------------------------------
 
-// The segments of "/a:b/c", module prefixes stripped and empty segments skipped.
-std::vector<std::string_view> split_path(std::string_view path);
+// The segments of a path: views into the caller's text, held inline for the
+// depths the models have so that resolving a path allocates nothing.
+class Segments {
+public:
+    void push_back(std::string_view segment) {
+        if (size_ < kInline) {
+            inline_[size_] = segment;
+        } else {
+            if (size_ == kInline)
+                heap_.assign(inline_.begin(), inline_.end());
+            heap_.push_back(segment);
+        }
+        ++size_;
+    }
+    const std::string_view *data() const { return size_ > kInline ? heap_.data() : inline_.data(); }
+    std::size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
+    const std::string_view *begin() const { return data(); }
+    const std::string_view *end() const { return data() + size_; }
+    const std::string_view &operator[](std::size_t i) const { return data()[i]; }
+    const std::string_view &back() const { return data()[size_ - 1]; }
+    operator std::span<const std::string_view>() const { return {data(), size_}; }
+
+private:
+    static constexpr std::size_t kInline = 24;
+    std::array<std::string_view, kInline> inline_{};
+    std::vector<std::string_view> heap_;
+    std::size_t size_ = 0;
+};
+
+// The segments of "/a:b/c", module prefixes stripped and empty segments skipped,
+// appended to `out`.
+void split_path(std::string_view path, Segments &out);
+inline Segments split_path(std::string_view path) {
+    Segments out;
+    split_path(path, out);
+    return out;
+}
+// A hash of a normalized schema path, extended one character or one segment
+// at a time, so that each prefix of a path is looked up without building it.
+struct SchemaHash {
+    uint64_t value = 14695981039346656037ull;
+    constexpr void add(char c) { value = (value ^ static_cast<uint8_t>(c)) * 1099511628211ull; }
+    constexpr void add_segment(std::string_view segment) {
+        add('/');
+        for (char c : segment)
+            add(c);
+    }
+};
+// The keys of the list at a normalized path whose hash is `hash`, the path
+// given as itself or as its segments.
+std::span<const std::string_view> list_keys_hashed(uint64_t hash, std::string_view normalized);
+std::span<const std::string_view> list_keys_hashed(uint64_t hash,
+                                                   std::span<const std::string_view> segments);
+
 // "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
 std::string normalize_path(std::string_view path);
 // A path of at least one element, each "name" or "prefix:name".
@@ -80,18 +142,25 @@ struct OpenEntry {
 
 // Lookup state of the children of one array, kept as positions by the
 // framework's own edits and dropped when a host appends on its own.
+struct NamedList {
+    std::string tag;
+    ListState state;
+};
 struct Lookups {
-    TextMap<ListState> lists; // by list tag
+    std::forward_list<NamedList> lists; // few per array; states stay put
+
     bool tag_index_built = false;
     TextMap<uint32_t> first_by_tag;
     TextMap<uint32_t> by_tag_value;
 };
 
 // One children array owned by an arena. Its header stays put when the array
-// moves, so the lookup state of the children can hang here.
+// moves, so the lookup state of the children can hang here. The nodes live in
+// the arena's slabs.
 struct Block {
-    std::unique_ptr<tidl_yfw_datatree[]> nodes;
+    tidl_yfw_datatree *nodes = nullptr;
     uint32_t capacity = 0;
+    uint32_t index = 0;                        // among the blocks of its arena
     const tidl_yfw_datatree *parent = nullptr; // null for a root
     Arena::Impl *arena = nullptr;
     std::unique_ptr<Lookups> lookups; // most arrays never need one
@@ -127,7 +196,10 @@ Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home);
 // After nodes were copied into slots [from, to) of `block`: their arrays get the new parent.
 void fix_parents(Block &block, uint32_t from, uint32_t to);
 
+// Tags and namespaces: one copy per distinct text in the arena.
 char *intern(Arena::Impl &arena, std::string_view text);
+// Values: a copy of their own, as most are met once.
+char *copy_text(Arena::Impl &arena, std::string_view text);
 // The arena that holds `node` in one of its arrays, or null.
 Arena::Impl *arena_of(const tidl_yfw_datatree *node);
 

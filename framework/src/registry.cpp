@@ -155,31 +155,46 @@ constexpr std::array kLists = {
 };
 // clang-format on
 
-// Every add resolves each segment against this table: look up by binary search.
-constexpr auto kListOrder = [] {
-    std::array<uint16_t, kLists.size()> order{};
-    for (uint16_t i = 0; i < order.size(); ++i)
-        order[i] = i;
-    std::ranges::sort(order, {}, [](uint16_t i) { return kLists[i].path; });
-    return order;
+// Every add resolves each prefix of its path against this table, so it is
+// looked up by a hash of the path that the caller extends segment by segment.
+constexpr std::size_t kListSlots = 256;
+static_assert(kLists.size() < kListSlots / 2, "keep the table sparse");
+
+struct ListSlot {
+    uint64_t hash = 0;
+    uint16_t row = 0; // 1 + the row's index; 0 for an empty slot
+};
+
+constexpr uint64_t hash_of(std::string_view normalized) {
+    detail::SchemaHash hash;
+    for (char c : normalized)
+        hash.add(c);
+    return hash.value;
+}
+
+constexpr auto kListTable = [] {
+    std::array<ListSlot, kListSlots> slots{};
+    for (uint16_t i = 0; i < kLists.size(); ++i) {
+        const uint64_t hash = hash_of(kLists[i].path);
+        std::size_t at = hash % kListSlots;
+        while (slots[at].row != 0)
+            at = (at + 1) % kListSlots;
+        slots[at] = {hash, static_cast<uint16_t>(i + 1)};
+    }
+    return slots;
 }();
 
-static_assert(std::ranges::adjacent_find(kListOrder, {},
-                                         [](uint16_t i) { return kLists[i].path; }) ==
-                  kListOrder.end(),
-              "a list path appears twice");
+constexpr bool unique_paths() {
+    for (std::size_t i = 0; i < kLists.size(); ++i)
+        for (std::size_t j = i + 1; j < kLists.size(); ++j)
+            if (kLists[i].path == kLists[j].path)
+                return false;
+    return true;
+}
+static_assert(unique_paths(), "a list path appears twice");
 static_assert(std::ranges::all_of(kLists, [](const ListRow &row) {
     return row.path.starts_with('/') && !row.keys[0].empty() && row.path.find(':') == row.path.npos;
 }));
-
-std::span<const std::string_view> keys_of_normalized(std::string_view path) {
-    auto it =
-        std::ranges::lower_bound(kListOrder, path, {}, [](uint16_t i) { return kLists[i].path; });
-    if (it == kListOrder.end() || kLists[*it].path != path)
-        return {};
-    const ListRow &row = kLists[*it];
-    return {row.keys.data(), row.key_count()};
-}
 
 } // namespace
 
@@ -197,18 +212,60 @@ const Module *module_by_namespace(std::string_view ns) {
     return it == kModules.end() ? nullptr : &*it;
 }
 
+namespace detail {
+namespace {
+template <typename Same> std::span<const std::string_view> keys_by_hash(uint64_t hash, Same same) {
+    for (std::size_t at = hash % kListSlots; kListTable[at].row != 0; at = (at + 1) % kListSlots) {
+        const ListRow &row = kLists[kListTable[at].row - 1u];
+        if (kListTable[at].hash == hash && same(row.path))
+            return {row.keys.data(), row.key_count()};
+    }
+    return {};
+}
+} // namespace
+
+std::span<const std::string_view> list_keys_hashed(uint64_t hash, std::string_view normalized) {
+    return keys_by_hash(hash, [normalized](std::string_view path) { return path == normalized; });
+}
+
+std::span<const std::string_view> list_keys_hashed(uint64_t hash,
+                                                   std::span<const std::string_view> segments) {
+    return keys_by_hash(hash, [segments](std::string_view path) {
+        for (std::string_view segment : segments) {
+            if (!path.starts_with('/') || !path.substr(1).starts_with(segment))
+                return false;
+            path.remove_prefix(1 + segment.size());
+        }
+        return path.empty();
+    });
+}
+} // namespace detail
+
 std::span<const std::string_view> list_keys(std::string_view schema_path) {
     // Paths built by the framework are normalized already; skip the copy for them.
-    if (schema_path.starts_with('/') && !schema_path.ends_with('/') &&
-        schema_path.find(':') == std::string_view::npos &&
-        schema_path.find("//") == std::string_view::npos)
-        return keys_of_normalized(schema_path);
-    return keys_of_normalized(detail::normalize_path(schema_path));
+    detail::SchemaHash hash;
+    bool normalized = schema_path.starts_with('/') && !schema_path.ends_with('/');
+    char previous = '\0';
+    for (char c : schema_path) {
+        normalized = normalized && c != ':' && !(c == '/' && previous == '/');
+        previous = c;
+        hash.add(c);
+    }
+    if (normalized)
+        return detail::list_keys_hashed(hash.value, schema_path);
+    const std::string path = detail::normalize_path(schema_path);
+    return detail::list_keys_hashed(hash_of(path), path);
 }
 
 std::string describe_segment(const tidl_yfw_datatree &node, std::string_view schema_path,
                              const char *parent_ns) {
     std::string out;
+    append_segment(out, node, schema_path, parent_ns);
+    return out;
+}
+
+void append_segment(std::string &out, const tidl_yfw_datatree &node, std::string_view schema_path,
+                    const char *parent_ns) {
     if (node.namespace_ != nullptr && !detail::same_text(node.namespace_, parent_ns)) {
         const Module *module = module_by_namespace(node.namespace_);
         out += module != nullptr ? module->name : std::string_view(node.namespace_);
@@ -227,7 +284,6 @@ std::string describe_segment(const tidl_yfw_datatree &node, std::string_view sch
         out.append("[").append(key).append("=");
         out.append(1, quote).append(value).append(1, quote).append("]");
     }
-    return out;
 }
 
 } // namespace yfw

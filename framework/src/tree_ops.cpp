@@ -14,20 +14,15 @@ yfw_map_session *session_of(yfw_map_ctx *ctx) {
 }
 
 // "/ocsystem", "/system/state" ...: the segments of all components in order.
-std::optional<std::vector<std::string_view>> join_components(const char *const *components,
-                                                             uint32_t count) {
+bool join_components(const char *const *components, uint32_t count, Segments &segments) {
     if (components == nullptr || count == 0)
-        return std::nullopt;
-    std::vector<std::string_view> segments;
+        return false;
     for (uint32_t i = 0; i < count; ++i) {
         if (components[i] == nullptr)
-            return std::nullopt;
-        for (std::string_view segment : split_path(components[i]))
-            segments.push_back(segment);
+            return false;
+        split_path(components[i], segments);
     }
-    if (segments.empty())
-        return std::nullopt;
-    return segments;
+    return !segments.empty();
 }
 
 void note_add(yfw_map_session &session, tidl_yfw_datatree *tree, const Placed &at,
@@ -185,10 +180,11 @@ cerrno yfw_map_add_leaf_from_xpath(yfw_map_ctx *ctx, const tidl_yfw_datatree *in
                                    uint32_t component_count) {
     (void)root_path; // the first component repeats it
     yfw_map_session *session = session_of(ctx);
-    const auto segments = join_components(path_components, component_count);
-    if (session == nullptr || input_node == nullptr || out_tree == nullptr || !segments)
+    Segments segments;
+    if (session == nullptr || input_node == nullptr || out_tree == nullptr ||
+        !join_components(path_components, component_count, segments))
         return YFW_ERR_INVALID_ARGS;
-    return add_segments(*session, out_tree, *segments, namespace_, input_node->value, input_node,
+    return add_segments(*session, out_tree, segments, namespace_, input_node->value, input_node,
                         nullptr, false);
 }
 
@@ -214,9 +210,11 @@ cerrno yfw_map_auto_stitch_list_to_list(yfw_map_ctx *ctx, const tidl_yfw_datatre
                                         const char *const *path_components,
                                         uint32_t component_count) {
     yfw_map_session *session = session_of(ctx);
-    const auto segments = join_components(path_components, component_count);
-    if (session == nullptr || input_node == nullptr || out_tree == nullptr || !segments)
+    Segments joined;
+    if (session == nullptr || input_node == nullptr || out_tree == nullptr ||
+        !join_components(path_components, component_count, joined))
         return YFW_ERR_INVALID_ARGS;
+    const Segments *segments = &joined;
 
     // Which segments are lists; the last one must be.
     std::vector<std::size_t> list_at;

@@ -50,7 +50,7 @@ const tidl_yfw_datatree *walk_child(const yfw_map_session &session, const tidl_y
                                     std::string_view tag) {
     auto kids = walk_children(session, node);
     auto it = std::ranges::find_if(
-        kids, [tag](const tidl_yfw_datatree &kid) { return kid.tag != nullptr && tag == kid.tag; });
+        kids, [tag](const tidl_yfw_datatree &kid) { return is_text(kid.tag, tag); });
     return it == kids.end() ? nullptr : &*it;
 }
 

@@ -50,8 +50,11 @@ struct Stitch : testing::Test {
 TEST_F(Stitch, JoinsAnExistingEntryOrCreatesOne) {
     add("/system/cpus/cpu/index", "0");
     tidl_yfw_datatree *cpuses = walk_into({"ocsystemcpu", "system", "cpuses"});
-    tidl_yfw_datatree *cpu1 = entry(cpuses, "cpus", "index", "1");
-    tidl_yfw_datatree *cpu0 = entry(cpuses, "cpus", "index", "0");
+    entry(cpuses, "cpus", "index", "1");
+    entry(cpuses, "cpus", "index", "0");
+    // Taken after both appends: an append may move the earlier entries.
+    tidl_yfw_datatree *cpu1 = &cpuses->subtrees[0];
+    tidl_yfw_datatree *cpu0 = &cpuses->subtrees[1];
 
     yfw_map_add_to_node_hierarchy(ctx, cpu1, YFW_MAP_HIER_LIST_ENTRY);
     ASSERT_EQ(stitch(cpu1, {"/system", "/cpus", "/cpu"}), YFW_SUCCESS);

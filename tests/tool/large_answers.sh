@@ -6,35 +6,17 @@ tool=$1 kind=$2 count=$3
 file=$(mktemp) out=$(mktemp)
 trap 'rm -f "$file" "$out"' EXIT
 
+sh "$(dirname "$0")/../../bench/large_answer.sh" "$kind" "$count" > "$file"
 case $kind in
 cpus)
-    awk -v n="$count" 'BEGIN {
-        split("total user kernel nice idle wait hardware-interrupt software-interrupt", m, " ")
-        split("instant avg min max interval min-time max-time", c, " ")
-        print "<ocsystemcpu xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-ocsystem-cpu-oper\"><system><cpuses>"
-        for (i = 0; i < n; i++) {
-            printf "<cpus><index>%d</index><state><index>%d</index>", i, i
-            for (j = 1; j <= 8; j++) {
-                printf "<%s>", m[j]
-                for (k = 1; k <= 7; k++) printf "<%s>%d</%s>", c[k], (i + j + k) % 100, c[k]
-                printf "</%s>", m[j]
-            }
-            print "</state></cpus>"
-        }
-        print "</cpuses></system></ocsystemcpu>"
-    }' > "$file"
     entry="^/openconfig-system:system/cpus/cpu\[index='[0-9]*'\]\$"
     leaves_per_entry=58
+    tag=cpu
     ;;
 alarms)
-    awk -v n="$count" 'BEGIN {
-        print "<amfm-edt xmlns=\"http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-alarm-mgr-oc-oper\"><system><alarms>"
-        for (i = 0; i < n; i++)
-            printf "<alarm><id>a%d</id><state><id>a%d</id><resource>slot%d</resource><text>alarm %d</text><time-created>%d</time-created><severity>MINOR</severity><type-id>T%d</type-id></state></alarm>\n", i, i, i % 16, i, 1700000000 + i, i % 7
-        print "</alarms></system></amfm-edt>"
-    }' > "$file"
     entry="^/openconfig-system:system/alarms/alarm\[id='a[0-9]*'\]\$"
     leaves_per_entry=7
+    tag=alarm
     ;;
 esac
 
@@ -44,3 +26,10 @@ leaves=$(grep -c ' = "' "$out")
 echo "$kind: $entries entries, $leaves leaves"
 test "$entries" -eq "$count"
 test "$leaves" -eq $((count * leaves_per_entry))
+
+# The other two forms are written in pieces: every entry must come out whole.
+"$tool" map --kind get --format xml "$file" > "$out"
+test "$(grep -c "^    <$tag>\$" "$out")" -eq "$count"
+test "$(grep -c "^    </$tag>\$" "$out")" -eq "$count"
+"$tool" map --kind get --format json "$file" > "$out"
+test "$(grep -c "^ *\"tag\": \"$tag\",\$" "$out")" -eq "$count"

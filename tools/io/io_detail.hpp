@@ -7,7 +7,9 @@
 #include <charconv>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <optional>
+#include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
@@ -92,8 +94,62 @@ inline std::span<const tidl_yfw_datatree> children_of(const tidl_yfw_datatree &n
     return {node.subtrees, node.subtree_count};
 }
 
+// Where a writer's text goes: a string kept whole, or a stream that takes the
+// text in pieces as the writer goes, so a large tree is never held as text.
+class Sink {
+public:
+    explicit Sink(std::ostream *stream = nullptr) : stream_(stream) {}
+    Sink(const Sink &) = delete;
+    Sink &operator=(const Sink &) = delete;
+
+    std::string &text() { return text_; }
+    // Called between nodes: hands a full piece to the stream.
+    void maybe_flush() {
+        if (stream_ != nullptr && text_.size() >= kPiece) {
+            flush();
+        }
+    }
+    void flush();
+    std::string take() {
+        flush();
+        return std::move(text_);
+    }
+
+private:
+    static constexpr std::size_t kPiece = 1 << 16;
+    std::ostream *stream_;
+    std::string text_;
+};
+
 // The value as JSON writes it, quotes included; invalid UTF-8 becomes U+FFFD.
 std::string json_quote(std::string_view text);
+
+// The same, appended to one string over and over without a string of its own
+// per text.
+class JsonQuoter {
+public:
+    explicit JsonQuoter(std::string &out);
+    ~JsonQuoter();
+    JsonQuoter(const JsonQuoter &) = delete;
+    JsonQuoter &operator=(const JsonQuoter &) = delete;
+    void append(std::string_view text);
+
+    struct Impl;
+
+private:
+    std::unique_ptr<Impl> impl_;
+};
+
+// The operation's name where it has one, else its number, appended to `out`.
+inline void append_operation(std::string &out, int32_t op) {
+    if (auto name = operation_name(op)) {
+        out += *name;
+        return;
+    }
+    char digits[16];
+    auto [end, ec] = std::to_chars(digits, digits + sizeof digits, op);
+    out.append(digits, end);
+}
 
 // Readers of one format; the caller has chosen it by the first character.
 std::vector<tidl_yfw_datatree *> parse_xml(yfw::Arena &arena, std::string_view text,

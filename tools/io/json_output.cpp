@@ -1,80 +1,184 @@
 // The lossless JSON form: every field whose presence bit is raised, the
 // namespace only where it changes (as a module name where one is known).
+// Written as it goes, laid out as a JSON library prints with an indent of two.
 #include <nlohmann/json.hpp>
 
 #include "io_detail.hpp"
 #include "ocsysmap_io.hpp"
 
 namespace ocsysmap {
-namespace {
-
-using nlohmann::ordered_json;
-
-ordered_json text_or_null(const char *text) {
-    return text != nullptr ? ordered_json(text) : ordered_json(nullptr);
-}
-
-ordered_json node_json(const tidl_yfw_datatree &n, const char *parent_ns) {
-    ordered_json out = ordered_json::object();
-    out["tag"] = text_or_null(n.tag);
-    if (!detail::same_text(n.namespace_, parent_ns)) {
-        const yfw::Module *m =
-            n.namespace_ != nullptr ? yfw::module_by_namespace(n.namespace_) : nullptr;
-        if (m != nullptr) {
-            out["module"] = m->name;
-        } else {
-            out["namespace"] = text_or_null(n.namespace_);
-        }
-    }
-    if (n.present_value) {
-        out["value"] = text_or_null(n.value);
-    }
-    if (n.present_operation) {
-        auto name = detail::operation_name(n.operation);
-        out["operation"] = name ? ordered_json(*name) : ordered_json(n.operation);
-    }
-    if (n.present_error_kind) {
-        out["error_kind"] = n.error_kind;
-    }
-    if (n.present_node_kind) {
-        out["node_kind"] = n.node_kind;
-    }
-    if (n.present_is_key) {
-        out["is_key"] = n.is_key;
-    }
-    if (n.present_subtrees && n.subtrees == nullptr && n.subtree_count != 0) {
-        out["children"] = nullptr;
-        out["subtree_count"] = n.subtree_count;
-    } else if (n.present_subtrees) {
-        ordered_json children = ordered_json::array();
-        for (const tidl_yfw_datatree &child : detail::children_of(n)) {
-            children.push_back(node_json(child, n.namespace_));
-        }
-        out["children"] = std::move(children);
-    } else if (n.subtree_count != 0) {
-        out["subtree_count"] = n.subtree_count;
-    }
-    return out;
-}
-
-constexpr auto kReplaceInvalidUtf8 = ordered_json::error_handler_t::replace;
-
-} // namespace
 
 namespace detail {
 
+// The JSON library's own escaping, so that texts come out exactly as it
+// prints them, invalid UTF-8 included.
+struct JsonQuoter::Impl {
+    explicit Impl(std::string &out)
+        : serializer(nlohmann::detail::output_adapter<char>(out), ' ',
+                     nlohmann::ordered_json::error_handler_t::replace) {}
+    nlohmann::detail::serializer<nlohmann::ordered_json> serializer;
+    nlohmann::ordered_json scratch = ""; // a string value, refilled for each text
+};
+
+JsonQuoter::JsonQuoter(std::string &out) : impl_(std::make_unique<Impl>(out)) {}
+JsonQuoter::~JsonQuoter() = default;
+
+void JsonQuoter::append(std::string_view text) {
+    impl_->scratch.get_ref<std::string &>().assign(text);
+    impl_->serializer.dump(impl_->scratch, false, false, 0);
+}
+
 std::string json_quote(std::string_view text) {
-    return ordered_json(text).dump(-1, ' ', false, kReplaceInvalidUtf8);
+    std::string out;
+    JsonQuoter(out).append(text);
+    return out;
 }
 
 } // namespace detail
 
-std::string to_json(const tidl_yfw_datatree &document) {
-    ordered_json roots = ordered_json::array();
-    for (const tidl_yfw_datatree &root : detail::children_of(document)) {
-        roots.push_back(node_json(root, nullptr));
+namespace {
+
+class JsonWriter {
+public:
+    explicit JsonWriter(detail::Sink &sink) : sink_(sink), out_(sink.text()), quoter_(out_) {}
+
+    void roots(std::span<const tidl_yfw_datatree> roots) {
+        if (roots.empty()) {
+            out_ += "[]\n";
+            return;
+        }
+        out_ += "[\n";
+        for (std::size_t i = 0; i < roots.size(); ++i) {
+            out_ += i == 0 ? "  " : ",\n  ";
+            node(roots[i], nullptr, 2);
+        }
+        out_ += "\n]\n";
     }
-    return roots.dump(2, ' ', false, kReplaceInvalidUtf8) + "\n";
+
+private:
+    // One object; `indent` is where its braces stand.
+    void node(const tidl_yfw_datatree &n, const char *parent_ns, std::size_t indent) {
+        out_ += "{\n";
+        first_ = true;
+        key("tag", indent);
+        text_or_null(n.tag);
+        if (!detail::same_text(n.namespace_, parent_ns)) {
+            const yfw::Module *m =
+                n.namespace_ != nullptr ? yfw::module_by_namespace(n.namespace_) : nullptr;
+            key(m != nullptr ? "module" : "namespace", indent);
+            if (m != nullptr) {
+                quoter_.append(m->name);
+            } else {
+                text_or_null(n.namespace_);
+            }
+        }
+        if (n.present_value) {
+            key("value", indent);
+            text_or_null(n.value);
+        }
+        if (n.present_operation) {
+            key("operation", indent);
+            if (auto name = detail::operation_name(n.operation)) {
+                quoter_.append(*name);
+            } else {
+                number(n.operation);
+            }
+        }
+        if (n.present_error_kind) {
+            key("error_kind", indent);
+            number(n.error_kind);
+        }
+        if (n.present_node_kind) {
+            key("node_kind", indent);
+            number(n.node_kind);
+        }
+        if (n.present_is_key) {
+            key("is_key", indent);
+            number(n.is_key);
+        }
+        if (n.present_subtrees && n.subtrees == nullptr && n.subtree_count != 0) {
+            key("children", indent);
+            out_ += "null";
+            key("subtree_count", indent);
+            number(n.subtree_count);
+        } else if (n.present_subtrees) {
+            key("children", indent);
+            children(n, indent + 2);
+        } else if (n.subtree_count != 0) {
+            key("subtree_count", indent);
+            number(n.subtree_count);
+        }
+        out_ += '\n';
+        out_.append(indent, ' ');
+        out_ += '}';
+        first_ = false;
+        sink_.maybe_flush();
+    }
+
+    void children(const tidl_yfw_datatree &n, std::size_t indent) {
+        auto kids = detail::children_of(n);
+        if (kids.empty()) {
+            out_ += "[]";
+            return;
+        }
+        out_ += "[\n";
+        for (std::size_t i = 0; i < kids.size(); ++i) {
+            if (i != 0) {
+                out_ += ",\n";
+            }
+            out_.append(indent + 2, ' ');
+            node(kids[i], n.namespace_, indent + 2);
+        }
+        out_ += '\n';
+        out_.append(indent, ' ');
+        out_ += ']';
+    }
+
+    void key(std::string_view name, std::size_t indent) {
+        out_ += first_ ? "" : ",\n";
+        first_ = false;
+        out_.append(indent + 2, ' ');
+        out_ += '"';
+        out_ += name;
+        out_ += "\": ";
+    }
+
+    void text_or_null(const char *text) {
+        if (text != nullptr) {
+            quoter_.append(text);
+        } else {
+            out_ += "null";
+        }
+    }
+
+    template <typename T> void number(T value) {
+        char digits[24];
+        auto [end, ec] = std::to_chars(digits, digits + sizeof digits, value);
+        out_.append(digits, end);
+    }
+
+    detail::Sink &sink_;
+    std::string &out_;
+    detail::JsonQuoter quoter_;
+    bool first_ = true; // no key yet in the object being written
+};
+
+void write(detail::Sink &sink, const tidl_yfw_datatree &document) {
+    JsonWriter(sink).roots(detail::children_of(document));
+    sink.flush();
+}
+
+} // namespace
+
+std::string to_json(const tidl_yfw_datatree &document) {
+    detail::Sink sink;
+    write(sink, document);
+    return sink.take();
+}
+
+void write_json(std::ostream &out, const tidl_yfw_datatree &document) {
+    detail::Sink sink(&out);
+    write(sink, document);
 }
 
 } // namespace ocsysmap

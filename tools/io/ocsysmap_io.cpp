@@ -1,6 +1,8 @@
 // Choosing the input format, and the document root the writers take.
 #include "ocsysmap_io.hpp"
 
+#include <ostream>
+
 #include "io_detail.hpp"
 
 namespace ocsysmap {
@@ -26,6 +28,15 @@ std::vector<tidl_yfw_datatree *> parse_input(yfw::Arena &arena, std::string_view
                          "or '[')");
     }
 }
+
+namespace detail {
+void Sink::flush() {
+    if (stream_ != nullptr && !text_.empty()) {
+        stream_->write(text_.data(), static_cast<std::streamsize>(text_.size()));
+        text_.clear();
+    }
+}
+} // namespace detail
 
 tidl_yfw_datatree *document_of(yfw::Arena &arena, std::span<tidl_yfw_datatree *const> roots) {
     tidl_yfw_datatree *document = arena.new_root();

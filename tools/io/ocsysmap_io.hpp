@@ -3,6 +3,7 @@
 // tool, the tests and the benchmarks.
 #pragma once
 
+#include <iosfwd>
 #include <span>
 #include <stdexcept>
 #include <string>
@@ -33,6 +34,12 @@ std::vector<tidl_yfw_datatree *> parse_input(yfw::Arena &arena, std::string_view
 std::string to_paths(const tidl_yfw_datatree &document);
 std::string to_xml(const tidl_yfw_datatree &document);
 std::string to_json(const tidl_yfw_datatree &document);
+
+// The same texts written to `out` piece by piece, never held whole. write_xml
+// checks the whole tree first: when it throws, it has written nothing.
+void write_paths(std::ostream &out, const tidl_yfw_datatree &document);
+void write_xml(std::ostream &out, const tidl_yfw_datatree &document);
+void write_json(std::ostream &out, const tidl_yfw_datatree &document);
 
 // A document root in `arena` whose children are copies of `roots` (sharing
 // their subtrees), so that parsed roots can be handed to the writers.

@@ -8,7 +8,7 @@ namespace {
 
 class PathsWriter {
 public:
-    std::string take() { return std::move(out_); }
+    explicit PathsWriter(detail::Sink &sink) : sink_(sink), out_(sink.text()), quoter_(out_) {}
 
     void node(const tidl_yfw_datatree &n, const char *parent_ns) {
         std::size_t path_mark = path_.size();
@@ -17,20 +17,25 @@ public:
         path_ += '/';
         if (n.tag != nullptr) {
             schema_ += n.tag;
-            path_ += yfw::describe_segment(n, schema_, parent_ns);
+            yfw::append_segment(path_, n, schema_, parent_ns);
         } else {
             path_ += "(no tag)";
         }
         out_ += path_;
         if (n.present_value) {
             out_ += " = ";
-            out_ += n.value != nullptr ? detail::json_quote(n.value) : "null";
+            if (n.value != nullptr) {
+                quoter_.append(n.value);
+            } else {
+                out_ += "null";
+            }
         }
         if (n.present_operation) {
             out_ += " @";
-            out_ += detail::operation_text(n.operation);
+            detail::append_operation(out_, n.operation);
         }
         out_ += '\n';
+        sink_.maybe_flush();
         for (const tidl_yfw_datatree &child : detail::children_of(n)) {
             node(child, n.namespace_);
         }
@@ -39,19 +44,32 @@ public:
     }
 
 private:
-    std::string out_;
+    detail::Sink &sink_;
+    std::string &out_;
+    detail::JsonQuoter quoter_;
     std::string path_;   // printed segments down to the present node
     std::string schema_; // plain tags down to the present node, for list keys
 };
 
-} // namespace
-
-std::string to_paths(const tidl_yfw_datatree &document) {
-    PathsWriter writer;
+void write(detail::Sink &sink, const tidl_yfw_datatree &document) {
+    PathsWriter writer(sink);
     for (const tidl_yfw_datatree &root : detail::children_of(document)) {
         writer.node(root, nullptr);
     }
-    return writer.take();
+    sink.flush();
+}
+
+} // namespace
+
+std::string to_paths(const tidl_yfw_datatree &document) {
+    detail::Sink sink;
+    write(sink, document);
+    return sink.take();
+}
+
+void write_paths(std::ostream &out, const tidl_yfw_datatree &document) {
+    detail::Sink sink(&out);
+    write(sink, document);
 }
 
 } // namespace ocsysmap

@@ -24,8 +24,21 @@ constexpr std::array<Reference, 7> kReferences{{
     {'\t', "&#9;", true},
 }};
 
+// Whether `c` may go out as it is: most of any text.
+constexpr bool plain(char c) {
+    return static_cast<unsigned char>(c) >= 0x20 && c != '&' && c != '<' && c != '>' && c != '"';
+}
+
 void escape(std::string &out, std::string_view text, bool attribute) {
-    for (char c : text) {
+    while (!text.empty()) {
+        const auto run = static_cast<std::size_t>(
+            std::find_if_not(text.begin(), text.end(), plain) - text.begin());
+        out.append(text.substr(0, run));
+        if (run == text.size()) {
+            return;
+        }
+        const char c = text[run];
+        text.remove_prefix(run + 1);
         const auto *ref = std::find_if(kReferences.begin(), kReferences.end(), [&](const auto &r) {
             return r.c == c && (attribute || !r.in_attributes_only);
         });
@@ -34,10 +47,28 @@ void escape(std::string &out, std::string_view text, bool attribute) {
         } else if (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') {
             // Not a character of XML 1.0: a reader will refuse it, which is
             // better than losing it here.
-            out += "&#" + std::to_string(static_cast<int>(c)) + ";";
+            char digits[4];
+            auto [end, ec] = std::to_chars(digits, digits + sizeof digits, static_cast<int>(c));
+            out.append("&#").append(digits, end).append(";");
         } else {
             out += c;
         }
+    }
+}
+
+// What XML cannot hold, found before anything is written: the first such node
+// in document order.
+void check(const tidl_yfw_datatree &n) {
+    if (n.tag == nullptr) {
+        throw std::invalid_argument("XML cannot hold a node without a tag");
+    }
+    auto children = detail::children_of(n);
+    if (n.present_value && !children.empty()) {
+        throw std::invalid_argument("XML cannot hold both a value and children, as <" +
+                                    std::string(n.tag) + "> has");
+    }
+    for (const tidl_yfw_datatree &child : children) {
+        check(child);
     }
 }
 
@@ -55,19 +86,13 @@ bool has_operation(const tidl_yfw_datatree &n) {
 
 class XmlWriter {
 public:
-    std::string take() { return std::move(out_); }
+    explicit XmlWriter(detail::Sink &sink) : sink_(sink), out_(sink.text()) {}
 
     // `extra` goes into the start tag as it is: the nc prefix declaration.
+    // The tree has passed check().
     void element(const tidl_yfw_datatree &n, const char *parent_ns, std::size_t indent,
                  std::string_view extra) {
-        if (n.tag == nullptr) {
-            throw std::invalid_argument("XML cannot hold a node without a tag");
-        }
         auto children = detail::children_of(n);
-        if (n.present_value && !children.empty()) {
-            throw std::invalid_argument("XML cannot hold both a value and children, as <" +
-                                        std::string(n.tag) + "> has");
-        }
         out_.append(indent, ' ');
         out_ += '<';
         out_ += n.tag;
@@ -76,7 +101,10 @@ public:
         }
         out_ += extra;
         if (n.present_operation) {
-            attribute("nc:operation", detail::operation_text(n.operation));
+            out_ += " nc:operation=\"";
+            // Names and numbers need no escaping.
+            detail::append_operation(out_, n.operation);
+            out_ += '"';
         }
         if (!children.empty()) {
             out_ += ">\n";
@@ -89,11 +117,13 @@ public:
             escape(out_, n.value != nullptr ? n.value : "", false);
         } else {
             out_ += "/>\n";
+            sink_.maybe_flush();
             return;
         }
         out_ += "</";
         out_ += n.tag;
         out_ += ">\n";
+        sink_.maybe_flush();
     }
 
     void wrapper(std::span<const tidl_yfw_datatree> roots, std::string_view extra) {
@@ -105,7 +135,7 @@ public:
             return;
         }
         out_ += ">\n";
-        const std::string ns(detail::kNetconfNs);
+        static const std::string ns(detail::kNetconfNs);
         for (const tidl_yfw_datatree &root : roots) {
             element(root, ns.c_str(), 2, {});
         }
@@ -121,27 +151,40 @@ private:
         out_ += '"';
     }
 
-    std::string out_;
+    detail::Sink &sink_;
+    std::string &out_;
 };
 
-} // namespace
-
-std::string to_xml(const tidl_yfw_datatree &document) {
+void write(detail::Sink &sink, const tidl_yfw_datatree &document) {
     auto roots = detail::children_of(document);
     bool any_operation = false;
     for (const tidl_yfw_datatree &root : roots) {
+        check(root);
         any_operation = any_operation || has_operation(root);
     }
     const std::string nc_declaration =
         any_operation ? " xmlns:nc=\"" + std::string(detail::kNetconfNs) + "\"" : "";
-    XmlWriter writer;
+    XmlWriter writer(sink);
     // A lone root is printed alone unless a reader would take it for a wrapper.
-    if (roots.size() == 1 && !(roots[0].tag != nullptr && detail::is_wrapper_name(roots[0].tag))) {
+    if (roots.size() == 1 && !detail::is_wrapper_name(roots[0].tag)) {
         writer.element(roots[0], nullptr, 0, nc_declaration);
     } else {
         writer.wrapper(roots, nc_declaration);
     }
-    return writer.take();
+    sink.flush();
+}
+
+} // namespace
+
+std::string to_xml(const tidl_yfw_datatree &document) {
+    detail::Sink sink;
+    write(sink, document);
+    return sink.take();
+}
+
+void write_xml(std::ostream &out, const tidl_yfw_datatree &document) {
+    detail::Sink sink(&out);
+    write(sink, document);
 }
 
 } // namespace ocsysmap

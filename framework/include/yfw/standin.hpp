@@ -66,6 +66,9 @@ public:
 
     // A copy of `text`, alive as long as the arena; equal texts may share storage.
     char *text(std::string_view text);
+    // A copy of `text`, alive as long as the arena and shared with nothing:
+    // for values, which are mostly met once and not worth a look-up.
+    char *copy(std::string_view text);
     // A single zeroed node, the root of a tree.
     tidl_yfw_datatree *new_root();
     // Appends a zeroed child to `parent`, growing its array; raises present_subtrees.
@@ -88,6 +91,9 @@ int32_t effective_operation(const tidl_yfw_datatree *node);
 // "[key='value']" predicates when `schema_path` (the node's own path) is a list.
 std::string describe_segment(const tidl_yfw_datatree &node, std::string_view schema_path,
                              const char *parent_ns);
+// The same, appended to `out`.
+void append_segment(std::string &out, const tidl_yfw_datatree &node, std::string_view schema_path,
+                    const char *parent_ns);
 
 // ---- A request ------------------------------------------------------------
 
