@@ -356,7 +356,7 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
 }
 
 Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
-                   const char *value, bool list_entry, const OpenEntry *open) {
+                   const char *value, bool list_entry, const OpenEntry *open, bool augment) {
     // The keys of each prefix, looked up once by a hash extended per segment;
     // the path itself is only spelled out for an add that sets a key.
     const bool by_schema = tree->tag == nullptr;
@@ -373,10 +373,15 @@ Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> se
         return std::ranges::find(keys_at[list], segment) != keys_at[list].end();
     };
 
+    const char *base_ns = nullptr;
+    const std::size_t base_depth =
+        augment && by_schema ? augment_target_depth(ns_, segments, &base_ns) : 0;
+
     Placed at{tree, nullptr};
     for (std::size_t i = 0; i < segments.size(); ++i) {
         const std::string_view segment = segments[i];
         const bool last = i + 1 == segments.size();
+        const char *ns = i < base_depth ? base_ns : ns_;
         if (const auto keys = keys_at[i]; !keys.empty()) {
             // An add that sets this list's key picks the entry by that value.
             const bool sets_key =
@@ -407,7 +412,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> se
             if (next == nullptr)
                 next = new_child(at.node, segment, ns_, value);
         } else if ((next = find_child(at.node, segment)) == nullptr) {
-            next = new_child(at.node, segment, ns_, nullptr);
+            next = new_child(at.node, segment, ns, nullptr);
         }
         at = {next, at.node};
     }

@@ -28,8 +28,11 @@ public:
     // document root and resolves lists by the schema; any other node takes
     // the segments as plain children. `open`, when given, is the innermost
     // open output list: the path's innermost list goes to its entry.
+    // With `augment`, the created nodes of an augmented module's path that
+    // leads to the augmenting module's own nodes are of the augmented module.
     Placed add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
-               const char *value, bool list_entry, const OpenEntry *open = nullptr);
+               const char *value, bool list_entry, const OpenEntry *open = nullptr,
+               bool augment = false);
 
     // The node at the path, creating nothing; null when missing.
     tidl_yfw_datatree *find(tidl_yfw_datatree *tree, std::span<const std::string_view> segments);

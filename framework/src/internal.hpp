@@ -116,6 +116,13 @@ std::span<const std::string_view> list_keys_hashed(uint64_t hash, std::string_vi
 std::span<const std::string_view> list_keys_hashed(uint64_t hash,
                                                    std::span<const std::string_view> segments);
 
+// Where a module augments another: the nodes of the augmented path leading
+// to its own nodes belong to the augmented module. For an add of `ns` (given
+// with the augment flag) whose path starts with such a target, the number of
+// leading segments that take `*base_ns`; 0 when none.
+std::size_t augment_target_depth(const char *ns, std::span<const std::string_view> segments,
+                                 const char **base_ns);
+
 // "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
 std::string normalize_path(std::string_view path);
 // A path of at least one element, each "name" or "prefix:name".

@@ -214,6 +214,47 @@ const Module *module_by_namespace(std::string_view ns) {
 
 namespace detail {
 namespace {
+// Augments whose target lies in another module's tree, by module name.
+struct AugmentRow {
+    std::string_view module;
+    std::string_view target; // the augmented node, without prefixes
+    std::string_view base;   // the module that holds the target
+};
+constexpr std::array kAugments = {
+    AugmentRow{"openconfig-system-grpc", "/system", "openconfig-system"},
+    AugmentRow{"Tarvex-QV-openconfig-system-terminal-ext", "/system/telnet-server",
+               "openconfig-system"},
+};
+} // namespace
+
+std::size_t augment_target_depth(const char *ns, std::span<const std::string_view> segments,
+                                 const char **base_ns) {
+    const Module *m = ns != nullptr ? module_by_namespace(ns) : nullptr;
+    if (m == nullptr)
+        return 0;
+    for (const AugmentRow &row : kAugments) {
+        if (row.module != m->name)
+            continue;
+        std::string_view rest = row.target;
+        std::size_t depth = 0;
+        for (; depth < segments.size() && rest.starts_with('/'); ++depth) {
+            rest.remove_prefix(1);
+            const std::string_view step = rest.substr(0, rest.find('/'));
+            if (step != segments[depth])
+                break;
+            rest.remove_prefix(step.size());
+        }
+        if (rest.empty()) {
+            *base_ns = module_by_name(row.base)->ns.data();
+            return depth;
+        }
+    }
+    return 0;
+}
+} // namespace detail
+
+namespace detail {
+namespace {
 template <typename Same> std::span<const std::string_view> keys_by_hash(uint64_t hash, Same same) {
     for (std::size_t at = hash % kListSlots; kListTable[at].row != 0; at = (at + 1) % kListSlots) {
         const ListRow &row = kLists[kListTable[at].row - 1u];

@@ -46,11 +46,11 @@ void note_add(yfw_map_session &session, tidl_yfw_datatree *tree, const Placed &a
 cerrno add_segments(yfw_map_session &session, tidl_yfw_datatree *tree,
                     std::span<const std::string_view> segments, const char *ns, const char *value,
                     const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out,
-                    bool list_entry) {
+                    bool list_entry, bool augment) {
     Editor editor(*session.home, ns);
     const OpenEntry *open =
         session.output_lists.empty() ? nullptr : &session.output_lists.back().keys;
-    note_add(session, tree, editor.add(tree, segments, value, list_entry, open), source,
+    note_add(session, tree, editor.add(tree, segments, value, list_entry, open, augment), source,
              new_node_out);
     return YFW_SUCCESS;
 }
@@ -163,7 +163,6 @@ cerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx *ctx, tidl_yfw_datatree *ou
                                          const char *value, const tidl_yfw_datatree *source_node,
                                          tidl_yfw_datatree **new_node_out, uint32_t list_entry_flag,
                                          uint32_t augment_flag) {
-    (void)augment_flag; // the tree is the same whichever module augments it
     yfw_map_session *session = session_of(ctx);
     if (session == nullptr || out_tree == nullptr || path == nullptr)
         return YFW_ERR_INVALID_ARGS;
@@ -171,7 +170,7 @@ cerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx *ctx, tidl_yfw_datatree *ou
     if (segments.empty())
         return YFW_ERR_INVALID_ARGS;
     return add_segments(*session, out_tree, segments, namespace_, value, source_node, new_node_out,
-                        list_entry_flag != 0);
+                        list_entry_flag != 0, augment_flag != 0);
 }
 
 cerrno yfw_map_add_leaf_from_xpath(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
@@ -185,7 +184,7 @@ cerrno yfw_map_add_leaf_from_xpath(yfw_map_ctx *ctx, const tidl_yfw_datatree *in
         !join_components(path_components, component_count, segments))
         return YFW_ERR_INVALID_ARGS;
     return add_segments(*session, out_tree, segments, namespace_, input_node->value, input_node,
-                        nullptr, false);
+                        nullptr, false, false);
 }
 
 cerrno yfw_map_datatree_update_namespace(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree,

@@ -304,6 +304,40 @@ TEST(AddPath, NamespaceOfNewNodesOnlyUntilUpdated) {
               YFW_ERR_BAD_TREE);
 }
 
+// With the augment flag, the augmented module's nodes on the way to the
+// augmenting module's own nodes are of the augmented module; without it, of
+// the namespace given.
+TEST(AddPath, AugmentFlagGivesTheTargetPathItsModule) {
+    constexpr const char *kGrpc = "http://openconfig.net/yang/system-grpc";
+    constexpr const char *kExt =
+        "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-terminal-ext";
+    struct Case {
+        const char *ns;
+        const char *path;
+        uint32_t augment;
+        std::vector<const char *> expected; // namespace of each node down the path
+    };
+    const Case cases[] = {
+        {kGrpc, "/system/grpc-servers/grpc-server/name", 1, {kOc, kGrpc, kGrpc, kGrpc}},
+        {kGrpc, "/system/grpc-servers/grpc-server/name", 0, {kGrpc, kGrpc, kGrpc, kGrpc}},
+        {kExt, "/system/telnet-server/ipv4/vrf", 1, {kOc, kOc, kExt, kExt}},
+        {kExt, "/system/ssh-server/config", 1, {kExt, kExt, kExt}}, // not the target
+        {kDomain, "/system/grpc-servers", 1, {kDomain, kDomain}},   // augments nothing
+    };
+    for (const Case &c : cases) {
+        yfw::Session session(KIND_GET);
+        ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), c.path, c.ns,
+                                                    "v", nullptr, nullptr, 0, c.augment),
+                  YFW_SUCCESS);
+        const tidl_yfw_datatree *node = session.output();
+        for (const char *ns : c.expected) {
+            ASSERT_EQ(node->subtree_count, 1u) << c.path;
+            node = &node->subtrees[0];
+            EXPECT_STREQ(node->namespace_, ns) << c.path << " at " << node->tag;
+        }
+    }
+}
+
 TEST(AddPath, BadArgumentsChangeNothing) {
     yfw::Session session(KIND_GET_CONFIG);
     yfw_map_ctx *ctx = session.ctx();

@@ -266,7 +266,8 @@ const char kStateLeaves[] = "<name/><services/><enable/><port/><transport-securi
                             "<certificate-id/><listen-addresses/>";
 
 TEST_F(Grpc, StateAnswerPassesValuesUnchanged) {
-    const std::string e = "/openconfig-system-grpc:system/grpc-servers/grpc-server[name='a']";
+    const std::string e =
+        "/openconfig-system:system/openconfig-system-grpc:grpc-servers/grpc-server[name='a']";
     test::expect_walk(kEmsOper, KIND_GET,
                       test::native("Tarvex-QV-PRIVATE-oc-ems-oper", "oc-ems",
                                    "<system><grpc-servers><grpc-server><name>a</name><state>"

@@ -134,10 +134,11 @@ std::string family(std::string_view fam, std::string_view limit) {
     return "<" + std::string(fam) + "><tcp><maximum-server>" + std::string(limit) +
            "</maximum-server></tcp></" + std::string(fam) + ">";
 }
-// The answer's head: system in the extension's namespace, telnet-server repaired.
-const std::string kOcHead = kExt + "system\n" + kExt + "system/openconfig-system:telnet-server\n";
+// The answer's head: the augmented path is of openconfig-system.
+const std::string kOcTelnet = "/openconfig-system:system/telnet-server";
+const std::string kOcHead = "/openconfig-system:system\n" + kOcTelnet + "\n";
 std::string oc_entry(std::string_view fam, std::string_view name, std::string_view limit) {
-    const std::string f = kExt + "system/openconfig-system:telnet-server" + kExt + std::string(fam);
+    const std::string f = kOcTelnet + kExt + std::string(fam);
     const std::string e = f + "/vrf[vrf-name='" + std::string(name) + "']";
     std::string out = lines({f, e, e + "/vrf-name = \"" + std::string(name) + "\""});
     if (!limit.empty())

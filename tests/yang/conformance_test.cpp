@@ -23,15 +23,15 @@ namespace yang = ocsysmap::yang;
 
 // Answers the models refuse for reasons outside the tool, each still made so
 // that a fix shows here: the selector key "NONE" that the device takes is no
-// facility identity of the models; the gRPC state answer comes out under a
-// /system of the gRPC namespace.
+// facility identity of the models; the device's Telnet extension module is
+// not among the published models.
 struct Known {
     std::string_view path_part;
     std::string_view message_part;
 };
 constexpr std::array<Known, 2> kKnownRefusals{{
     {"/selector/facility", "\"NONE\""},
-    {"/system", "system-grpc)"},
+    {"/telnet-server/ipv", "terminal-ext)"},
 }};
 std::set<std::size_t> g_known_seen;
 
