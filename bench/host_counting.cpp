@@ -3,11 +3,9 @@
 // stand-in (the node hierarchy for key look-ups, the output-list count the
 // list walkers compare, the input-tree stack). Walked against it, a tree costs
 // what the library itself spends on it.
-#include <arpa/inet.h>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <netdb.h>
 
 #include "bench_host.hpp"
 #include "qv_platform.h"
@@ -257,17 +255,6 @@ int sysdb_item_get(sysdb_connection *, const char *, uint32_t *, void **, uint32
 }
 int _sysdb_unbind(sysdb_connection *) {
     return 0;
-}
-int qv_inet_pton(int family, const char *text, void *out) {
-    return text != nullptr ? inet_pton(family, text, out) : 0;
-}
-int getaddrinfo_qv(const char *node, const char *service, const struct addrinfo *hints,
-                   struct addrinfo **result) {
-    return getaddrinfo(node, service, hints, result);
-}
-void freeaddrinfo_qv(struct addrinfo *result) {
-    if (result != nullptr)
-        freeaddrinfo(result);
 }
 
 } // extern "C"

@@ -1,10 +1,8 @@
-// Platform services: an in-memory system database, the probe that tells
-// whether the database exists on this host, and the address functions.
-#include <arpa/inet.h>
+// Platform services: an in-memory system database and the probe that tells
+// whether the database exists on this host.
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <netdb.h>
 #include <unistd.h>
 
 #include "internal.hpp"
@@ -102,22 +100,6 @@ int access(const char *path, int mode) noexcept {
         return -1;
     }
     return faccessat(AT_FDCWD, path, mode, 0);
-}
-
-int qv_inet_pton(int family, const char *text, void *out) {
-    if (text == nullptr)
-        return 0;
-    return inet_pton(family, text, out);
-}
-
-int getaddrinfo_qv(const char *node, const char *service, const struct addrinfo *hints,
-                   struct addrinfo **result) {
-    return getaddrinfo(node, service, hints, result);
-}
-
-void freeaddrinfo_qv(struct addrinfo *result) {
-    if (result != nullptr)
-        freeaddrinfo(result);
 }
 
 } // extern "C"
