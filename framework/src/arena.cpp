@@ -238,13 +238,14 @@ Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home) {
     Block *holder = block_containing(parent);
     Arena::Impl &arena = holder != nullptr ? *holder->arena : home;
     Block &block = arena.new_block(parent, grown_capacity(static_cast<uint32_t>(kids.size())));
+    note_reshape();
     std::copy(kids.begin(), kids.end(), block.nodes);
     fix_parents(block, 0, static_cast<uint32_t>(kids.size()));
     parent->subtrees = block.nodes;
     return &block;
 }
 
-tidl_yfw_datatree *append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external) {
+Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external) {
     Block *block = own_children(parent, home);
     const uint32_t live = block != nullptr ? parent->subtree_count : 0;
     if (block == nullptr) {
@@ -254,12 +255,14 @@ tidl_yfw_datatree *append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bo
     } else if (live == block->capacity) {
         grow(*block, live, live + 1);
     }
-    if (external)
+    if (external) {
         block->forget_lookups();
+        note_reshape();
+    }
     tidl_yfw_datatree *child = &block->nodes[live];
     *child = tidl_yfw_datatree{};
     yfw_dt_set_subtrees(parent, block->nodes, live + 1);
-    return child;
+    return {child, block};
 }
 
 void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
@@ -267,6 +270,7 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
     const uint32_t live = parent->subtree_count;
     if (block == nullptr || pos >= live)
         fail_assert("remove_child outside an arena array");
+    note_reshape();
     tidl_yfw_datatree *nodes = block->nodes;
     std::copy(nodes + pos + 1, nodes + live, nodes + pos);
     nodes[live - 1] = tidl_yfw_datatree{};
@@ -297,6 +301,7 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
 }
 
 void release_children(tidl_yfw_datatree *node) {
+    note_reshape();
     if (Block *block = node->present_subtrees ? block_starting_at(node->subtrees) : nullptr) {
         block->arena->release(block->nodes, block->capacity);
         block->nodes = nullptr;
@@ -375,6 +380,7 @@ bool well_formed_path(std::string_view path) {
 } // namespace detail
 
 Arena::Impl::~Impl() {
+    detail::note_reshape();
     for (const auto &slab : slabs) {
         if (slab->nodes) {
             detail::slab_index().remove(*slab);
@@ -433,6 +439,8 @@ void Arena::Impl::release(tidl_yfw_datatree *nodes, uint32_t capacity) {
     if (slab == nullptr)
         return;
     if (slab->dedicated) {
+        // Its memory may come back as another array.
+        detail::note_reshape();
         detail::slab_index().remove(*slab);
         detail::slab_pool().give(*slab);
         return;
@@ -471,7 +479,7 @@ tidl_yfw_datatree *Arena::new_root() {
 tidl_yfw_datatree *Arena::append_child(tidl_yfw_datatree *parent) {
     if (parent == nullptr)
         return nullptr;
-    return detail::append_child(parent, *impl_, true);
+    return detail::append_child(parent, *impl_, true).node;
 }
 
 const tidl_yfw_datatree *parent_of(const tidl_yfw_datatree *node) {

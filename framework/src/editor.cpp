@@ -55,7 +55,48 @@ std::size_t count_tag(const tidl_yfw_datatree *parent, std::string_view tag) {
         std::ranges::count_if(kids, [tag](const auto &kid) { return has_tag(kid, tag); }));
 }
 
+// Segment texts, one copy each for the life of the process: the schema's
+// names, so the set stays small.
+std::string_view interned_segment(std::string_view text) {
+    static std::unordered_set<std::string, TextHash, std::equal_to<>> texts;
+    auto it = texts.find(text);
+    if (it == texts.end())
+        it = texts.emplace(text).first;
+    return *it;
+}
+
 } // namespace
+
+const AddPath &add_path(uintptr_t identity, std::string_view text) {
+    struct Slot {
+        uintptr_t identity = 0;
+        std::string text;
+        AddPath path;
+    };
+    static std::array<Slot, 256> slots;
+    static_assert(slots.size() == 256);
+    Slot &slot = slots[(identity * 0x9e3779b97f4a7c15ull) >> 56];
+    // The same pointer may hold another text by now: the text decides.
+    if (slot.identity == identity && slot.text == text)
+        return slot.path;
+    slot.identity = identity;
+    slot.text = text;
+    AddPath &path = slot.path;
+    path.segments.clear();
+    Segments split;
+    split_path(text, split);
+    path.keys_at.assign(split.size(), {});
+    path.innermost = kNoDepth;
+    SchemaHash hash;
+    for (std::size_t i = 0; i < split.size(); ++i) {
+        path.segments.push_back(interned_segment(split[i]));
+        hash.add_segment(split[i]);
+        path.keys_at[i] = list_keys_hashed(hash.value, std::span(split).first(i + 1));
+        if (!path.keys_at[i].empty())
+            path.innermost = i;
+    }
+    return path;
+}
 
 bool EntryKeys::any() const {
     return std::ranges::any_of(values, [](const char *v) { return v != nullptr; });
@@ -70,21 +111,28 @@ Arena::Impl &Editor::arena_for(const tidl_yfw_datatree *node) {
 
 tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view tag,
                                      const char *ns, const char *value) {
-    tidl_yfw_datatree *child = append_child(parent, home_, false);
-    Arena::Impl &texts = arena_for(child);
+    const auto [child, block] = append_child(parent, home_, false);
+    Arena::Impl &texts = *block->arena;
     child->tag = intern(texts, tag);
     child->namespace_ = ns != nullptr ? intern(texts, ns) : nullptr;
     if (value != nullptr) {
         child->value = copy_text(texts, value);
         child->present_value = 1;
     }
-    if (Block *block = block_starting_at(parent->subtrees); block && block->tag_indexed()) {
+    if (block->tag_indexed()) {
         block->lookups->first_by_tag.try_emplace(child->tag, position(parent, child));
         if (value != nullptr)
             block->lookups->by_tag_value.try_emplace(tag_value_key(tag, value),
                                                      position(parent, child));
     }
     return child;
+}
+
+void Editor::set_current(ListState &list, uint32_t entry) {
+    if (list.current != entry) {
+        list.current = entry;
+        note_reshape();
+    }
 }
 
 tidl_yfw_datatree *Editor::move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node) {
@@ -151,6 +199,7 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
     ListState &list = fresh ? lists.emplace_front(std::string(tag), ListState{}).state : it->state;
     if (fresh) {
         // First use here (or the array was touched by a host): the last entry is current.
+        note_reshape();
         auto kids = children(parent);
         for (uint32_t i = 0; i < kids.size(); ++i) {
             if (!has_tag(kids[i], tag))
@@ -161,7 +210,7 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
         }
     } else if (list.current != kNone && (list.current >= parent->subtree_count ||
                                          !has_tag(parent->subtrees[list.current], tag))) {
-        list.current = kNone;
+        set_current(list, kNone);
     }
     return &list;
 }
@@ -185,7 +234,7 @@ uint32_t Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
             return list->current;
     }
     const uint32_t made = position(parent, new_child(parent, tag, ns_, nullptr));
-    list_state(parent, tag, keys)->current = made;
+    set_current(*list_state(parent, tag, keys), made);
     return made;
 }
 
@@ -223,7 +272,7 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
         if (auto tuple = key_tuple(&parent->subtrees[found], names))
             list->by_key.try_emplace(std::move(*tuple), found);
     }
-    list->current = found;
+    set_current(*list, found);
     return found;
 }
 
@@ -284,7 +333,7 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_vi
     } else {
         set_value(node, leaf, value);
     }
-    list.current = entry;
+    set_current(list, entry);
     auto tuple = key_tuple(node, keys);
     if (!tuple)
         return {leaf, node};
@@ -301,7 +350,7 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_vi
     remove_child(parent, entry);
     if (kept_entry > entry)
         --kept_entry;
-    list.current = kept_entry;
+    set_current(list, kept_entry);
     node = &parent->subtrees[kept_entry];
     return {find_child(node, key), node};
 }
@@ -355,68 +404,117 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
     release_children(from);
 }
 
-Placed Editor::add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
-                   const char *value, bool list_entry, const OpenEntry *open, bool augment) {
-    // The keys of each prefix, looked up once by a hash extended per segment;
-    // the path itself is only spelled out for an add that sets a key.
+Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *value,
+                   bool list_entry, const OpenEntry *open, bool augment, AddMemo *memo) {
+    using How = AddMemo::How;
+    const Segments &segments = path.segments;
+    const std::size_t count = segments.size();
     const bool by_schema = tree->tag == nullptr;
-    thread_local std::vector<std::span<const std::string_view>> keys_at;
-    keys_at.assign(segments.size(), {});
-    SchemaHash hash;
-    std::size_t innermost = kNoDepth;
-    for (std::size_t i = 0; i < segments.size() && by_schema; ++i) {
-        hash.add_segment(segments[i]);
-        if (!(keys_at[i] = list_keys_hashed(hash.value, segments.first(i + 1))).empty())
-            innermost = i;
-    }
+    auto keys_at = [&](std::size_t i) {
+        return by_schema ? path.keys_at[i] : std::span<const std::string_view>();
+    };
     auto is_key_of = [&](std::size_t list, std::string_view segment) {
-        return std::ranges::find(keys_at[list], segment) != keys_at[list].end();
+        return std::ranges::find(keys_at(list), segment) != keys_at(list).end();
+    };
+    const std::size_t innermost = by_schema ? path.innermost : kNoDepth;
+    // An add that sets a list's key picks the entry by that value.
+    auto sets_key = [&](std::size_t i) {
+        return i + 2 == count && value != nullptr && is_key_of(i, segments[i + 1]);
+    };
+    // How segment `i` resolves, when it resolves the same way whenever the
+    // tree has not been reshaped since: then a memo of it can stand in.
+    auto how = [&](std::size_t i) -> std::optional<How> {
+        const bool last = i + 1 == count;
+        if (keys_at(i).empty()) {
+            const bool key_leaf = last && i > 0 && !keys_at(i - 1).empty() && is_key_of(i - 1, segments[i]);
+            if (key_leaf || (last && list_entry && value != nullptr))
+                return std::nullopt;
+            return How::Child;
+        }
+        if (open != nullptr && i == innermost && !(last && list_entry) && !sets_key(i))
+            return How::Open;
+        if (last && list_entry)
+            return std::nullopt;
+        return open != nullptr && i == innermost ? How::Bind : How::Current;
+    };
+
+    const uint64_t serial = open != nullptr ? open->serial : 0;
+    Placed at{tree, nullptr};
+    std::size_t i = 0;
+    if (memo != nullptr && memo->tree == tree && memo->reshapes == reshapes &&
+        memo->open_serial == serial) {
+        for (; i < memo->depth && i < count; ++i) {
+            const AddMemo::Level &level = memo->levels[i];
+            const auto kids = children(at.node);
+            if (level.segment.data() != segments[i].data() || level.how != how(i) ||
+                level.node < kids.data() || level.node >= kids.data() + kids.size())
+                break;
+            at = {level.node, at.node};
+        }
+    }
+    std::size_t remembered = i;
+    auto remember = [&](std::size_t level, std::optional<How> way) {
+        if (memo != nullptr && remembered == level && way && level < AddMemo::kLevels)
+            memo->levels[remembered++] = {segments[level], at.node, *way};
+    };
+    auto seal = [&] {
+        if (memo == nullptr)
+            return;
+        memo->tree = tree;
+        memo->open_serial = serial;
+        memo->reshapes = reshapes;
+        memo->depth = remembered;
     };
 
     const char *base_ns = nullptr;
     const std::size_t base_depth =
         augment && by_schema ? augment_target_depth(ns_, segments, &base_ns) : 0;
-
-    Placed at{tree, nullptr};
-    for (std::size_t i = 0; i < segments.size(); ++i) {
+    bool made_leaf = false;
+    for (; i < count; ++i) {
         const std::string_view segment = segments[i];
-        const bool last = i + 1 == segments.size();
+        const bool last = i + 1 == count;
         const char *ns = i < base_depth ? base_ns : ns_;
-        if (const auto keys = keys_at[i]; !keys.empty()) {
-            // An add that sets this list's key picks the entry by that value.
-            const bool sets_key =
-                i + 2 == segments.size() && value != nullptr && is_key_of(i, segments[i + 1]);
+        const std::optional<How> way = how(i);
+        if (const auto keys = keys_at(i); !keys.empty()) {
             uint32_t entry;
-            if (open != nullptr && i == innermost && !(last && list_entry) && !sets_key) {
+            if (way == How::Open) {
                 entry = open_entry(at.node, segment, keys, *open);
             } else {
                 entry = current_entry(at.node, segment, keys, last && list_entry);
-                if (open != nullptr && i == innermost && sets_key)
+                if (way == How::Bind)
                     list_state(at.node, segment, keys)->bound_to = open->serial;
             }
             at = {&at.node->subtrees[entry], at.node};
+            remember(i, way);
             continue;
         }
-        if (last && i > 0 && at.parent != nullptr && !keys_at[i - 1].empty() &&
+        if (last && i > 0 && at.parent != nullptr && !keys_at(i - 1).empty() &&
             is_key_of(i - 1, segment)) {
             std::string schema;
-            for (std::string_view step : segments.first(i))
+            for (std::string_view step : std::span(segments).first(i))
                 schema.append("/").append(step);
+            // An entry that set_key reshapes is not taken again from the memo.
+            seal();
             return set_key(at.parent, position(at.parent, at.node), segments[i - 1], schema,
-                           keys_at[i - 1], segment, value);
+                           keys_at(i - 1), segment, value);
         }
         tidl_yfw_datatree *next = nullptr;
         if (last && list_entry && value != nullptr) {
             // A leaf-list value: one sibling per distinct value.
             next = find_child(at.node, segment, value);
-            if (next == nullptr)
+            if (next == nullptr) {
                 next = new_child(at.node, segment, ns_, value);
+                made_leaf = true;
+            }
         } else if ((next = find_child(at.node, segment)) == nullptr) {
-            next = new_child(at.node, segment, ns, nullptr);
+            next = new_child(at.node, segment, ns, last ? value : nullptr);
+            made_leaf = last;
         }
         at = {next, at.node};
+        remember(i, way);
     }
-    if (value != nullptr)
+    seal();
+    if (value != nullptr && !made_leaf)
         set_value(at.parent, at.node, value);
     return at;
 }

@@ -19,6 +19,19 @@ struct EntryKeys {
     bool any() const;
 };
 
+// The path of an add, split, and with the keys of each prefix looked up: done
+// once per distinct text, as the library adds by the same paths again and
+// again. Its segments are interned process-wide, so equal segments are equal
+// views and outlive the path.
+struct AddPath {
+    Segments segments;
+    std::vector<std::span<const std::string_view>> keys_at; // empty: no list
+    std::size_t innermost = kNoDepth;                       // the last list segment
+};
+// The path for `text`, remembered under `identity` (the caller's pointer, or
+// a mix of pointers for a path given in pieces) and checked against the text.
+const AddPath &add_path(uintptr_t identity, std::string_view text);
+
 class Editor {
 public:
     // `home` takes arrays that belong to no arena yet; `ns` names created nodes.
@@ -30,9 +43,9 @@ public:
     // open output list: the path's innermost list goes to its entry.
     // With `augment`, the created nodes of an augmented module's path that
     // leads to the augmenting module's own nodes are of the augmented module.
-    Placed add(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
-               const char *value, bool list_entry, const OpenEntry *open = nullptr,
-               bool augment = false);
+    // `memo`, when given, holds the resolution of the previous add.
+    Placed add(tidl_yfw_datatree *tree, const AddPath &path, const char *value, bool list_entry,
+               const OpenEntry *open = nullptr, bool augment = false, AddMemo *memo = nullptr);
 
     // The node at the path, creating nothing; null when missing.
     tidl_yfw_datatree *find(tidl_yfw_datatree *tree, std::span<const std::string_view> segments);
@@ -49,6 +62,7 @@ public:
 private:
     tidl_yfw_datatree *new_child(tidl_yfw_datatree *parent, std::string_view tag, const char *ns,
                                  const char *value);
+    void set_current(ListState &list, uint32_t entry);
     tidl_yfw_datatree *move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node);
     tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag);
     tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag,

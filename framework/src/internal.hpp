@@ -82,6 +82,10 @@ public:
     const std::string_view *end() const { return data() + size_; }
     const std::string_view &operator[](std::size_t i) const { return data()[i]; }
     const std::string_view &back() const { return data()[size_ - 1]; }
+    void clear() {
+        heap_.clear();
+        size_ = 0;
+    }
     operator std::span<const std::string_view>() const { return {data(), size_}; }
 
 private:
@@ -129,6 +133,15 @@ std::string normalize_path(std::string_view path);
 bool well_formed_path(std::string_view path);
 
 // ---- Node arrays -----------------------------------------------------------
+
+// Counts the edits after which a path may lead elsewhere: a list entry made
+// current, nodes removed, or arrays copied, dropped or appended to by a host.
+// A remembered resolution of a path holds while the count stays. One thread
+// uses the framework.
+inline uint64_t reshapes = 0;
+inline void note_reshape() {
+    ++reshapes;
+}
 
 // Where a list's current entry is and which complete key tuples it holds.
 struct ListState {
@@ -193,7 +206,11 @@ const tidl_yfw_datatree *child_with_tag(const tidl_yfw_datatree *node, std::stri
 // Appends a zeroed child to `parent`, growing (or first copying) its array.
 // `home` takes the array when the parent's array is in no arena. `external`
 // appends come from hosts and drop the lookup state of the array.
-tidl_yfw_datatree *append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external);
+struct Appended {
+    tidl_yfw_datatree *node;
+    Block *block; // the array that holds it
+};
+Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external);
 // Removes child `pos` of `parent` (an arena array), shifting the later ones.
 void remove_child(tidl_yfw_datatree *parent, uint32_t pos);
 // Frees the children array of `node` (not the arrays below it) and clears the node's children.
@@ -202,6 +219,24 @@ void release_children(tidl_yfw_datatree *node);
 Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home);
 // After nodes were copied into slots [from, to) of `block`: their arrays get the new parent.
 void fix_parents(Block &block, uint32_t from, uint32_t to);
+
+// The nodes that the last add went through, for the next add on the same
+// tree: most adds are leaves of the entry that the previous add reached, and
+// take its nodes without resolving the shared beginning of the path again.
+struct AddMemo {
+    enum class How : uint8_t { Child, Current, Open, Bind };
+    struct Level {
+        std::string_view segment; // interned
+        tidl_yfw_datatree *node;
+        How how;
+    };
+    static constexpr std::size_t kLevels = 24;
+    const tidl_yfw_datatree *tree = nullptr;
+    uint64_t open_serial = 0;
+    uint64_t reshapes = 0;
+    std::size_t depth = 0;
+    std::array<Level, kLevels> levels{};
+};
 
 // Tags and namespaces: one copy per distinct text in the arena.
 char *intern(Arena::Impl &arena, std::string_view text);
@@ -262,6 +297,8 @@ struct yfw_map_session {
         uint64_t serial;
     };
     yfw::detail::TextMap<CurrentRecord> current_lists;
+
+    yfw::detail::AddMemo add_memo;
 
     std::deque<yfw_map_itree_entry> itree;
     // The node whose children each itree entry holds, null when none does.

@@ -13,6 +13,30 @@ yfw_map_session *session_of(yfw_map_ctx *ctx) {
     return checked(ctx).session;
 }
 
+// The path of an add given in pieces ("/ocsystem", "/system/state" ...): the
+// pieces joined, remembered under a mix of their pointers. Null when a piece
+// is missing or the whole names nothing.
+const AddPath *joined_path(const char *const *components, uint32_t count) {
+    if (components == nullptr || count == 0)
+        return nullptr;
+    std::array<char, 1024> text;
+    std::size_t used = 0;
+    uintptr_t identity = count;
+    for (uint32_t i = 0; i < count; ++i) {
+        if (components[i] == nullptr)
+            return nullptr;
+        const std::size_t length = std::strlen(components[i]);
+        if (used + length + 1 > text.size())
+            return nullptr;
+        text[used++] = '/';
+        std::memcpy(text.data() + used, components[i], length);
+        used += length;
+        identity = identity * 31 + reinterpret_cast<uintptr_t>(components[i]);
+    }
+    const AddPath &path = add_path(identity, {text.data(), used});
+    return path.segments.empty() ? nullptr : &path;
+}
+
 // "/ocsystem", "/system/state" ...: the segments of all components in order.
 bool join_components(const char *const *components, uint32_t count, Segments &segments) {
     if (components == nullptr || count == 0)
@@ -43,14 +67,14 @@ void note_add(yfw_map_session &session, tidl_yfw_datatree *tree, const Placed &a
     session.state.parent_node = at.parent;
 }
 
-cerrno add_segments(yfw_map_session &session, tidl_yfw_datatree *tree,
-                    std::span<const std::string_view> segments, const char *ns, const char *value,
-                    const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out,
-                    bool list_entry, bool augment) {
+cerrno add_segments(yfw_map_session &session, tidl_yfw_datatree *tree, const AddPath &path,
+                    const char *ns, const char *value, const tidl_yfw_datatree *source,
+                    tidl_yfw_datatree **new_node_out, bool list_entry, bool augment) {
     Editor editor(*session.home, ns);
     const OpenEntry *open =
         session.output_lists.empty() ? nullptr : &session.output_lists.back().keys;
-    note_add(session, tree, editor.add(tree, segments, value, list_entry, open, augment), source,
+    note_add(session, tree,
+             editor.add(tree, path, value, list_entry, open, augment, &session.add_memo), source,
              new_node_out);
     return YFW_SUCCESS;
 }
@@ -166,8 +190,8 @@ cerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx *ctx, tidl_yfw_datatree *ou
     yfw_map_session *session = session_of(ctx);
     if (session == nullptr || out_tree == nullptr || path == nullptr)
         return YFW_ERR_INVALID_ARGS;
-    const auto segments = split_path(path);
-    if (segments.empty())
+    const AddPath &segments = add_path(reinterpret_cast<uintptr_t>(path), path);
+    if (segments.segments.empty())
         return YFW_ERR_INVALID_ARGS;
     return add_segments(*session, out_tree, segments, namespace_, value, source_node, new_node_out,
                         list_entry_flag != 0, augment_flag != 0);
@@ -179,11 +203,12 @@ cerrno yfw_map_add_leaf_from_xpath(yfw_map_ctx *ctx, const tidl_yfw_datatree *in
                                    uint32_t component_count) {
     (void)root_path; // the first component repeats it
     yfw_map_session *session = session_of(ctx);
-    Segments segments;
-    if (session == nullptr || input_node == nullptr || out_tree == nullptr ||
-        !join_components(path_components, component_count, segments))
+    const AddPath *path = session != nullptr && input_node != nullptr && out_tree != nullptr
+                              ? joined_path(path_components, component_count)
+                              : nullptr;
+    if (path == nullptr)
         return YFW_ERR_INVALID_ARGS;
-    return add_segments(*session, out_tree, segments, namespace_, input_node->value, input_node,
+    return add_segments(*session, out_tree, *path, namespace_, input_node->value, input_node,
                         nullptr, false, false);
 }
 
