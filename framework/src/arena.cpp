@@ -28,6 +28,60 @@ struct Slab {
 
 } // namespace detail
 
+namespace detail {
+namespace {
+
+class ChunkPool final : public std::pmr::memory_resource {
+public:
+    // Smaller blocks come from the heap's own free lists; past the last size
+    // kept, memory goes back to the system.
+    static constexpr std::size_t kSmallest = std::size_t{64} << 10;
+    static constexpr std::size_t kMaxBytes = std::size_t{256} << 20;
+
+private:
+    static bool pooled(std::size_t bytes, std::size_t alignment) {
+        return bytes >= kSmallest && alignment <= alignof(std::max_align_t);
+    }
+    void *do_allocate(std::size_t bytes, std::size_t alignment) override {
+        if (!pooled(bytes, alignment))
+            return ::operator new(bytes, std::align_val_t(alignment));
+        if (auto it = kept_.find(bytes); it != kept_.end()) {
+            void *block = it->second;
+            kept_.erase(it);
+            bytes_ -= bytes;
+            return block;
+        }
+        return ::operator new(bytes);
+    }
+    void do_deallocate(void *block, std::size_t bytes, std::size_t alignment) override {
+        if (!pooled(bytes, alignment)) {
+            ::operator delete(block, bytes, std::align_val_t(alignment));
+        } else if (bytes_ + bytes <= kMaxBytes) {
+            kept_.emplace(bytes, block);
+            bytes_ += bytes;
+        } else {
+            ::operator delete(block);
+        }
+    }
+    bool do_is_equal(const std::pmr::memory_resource &other) const noexcept override {
+        return this == &other;
+    }
+
+    std::multimap<std::size_t, void *> kept_;
+    std::size_t bytes_ = 0;
+};
+
+} // namespace
+
+// The process-wide tables below live as long as the process: arenas in
+// static storage may end after any of them.
+std::pmr::memory_resource &chunk_pool() {
+    static ChunkPool &pool = *new ChunkPool;
+    return pool;
+}
+
+} // namespace detail
+
 struct Arena::Impl {
     // Slabs double from the first size to the last, so that a small request
     // stays small; the large arrays get slabs of their own.
@@ -35,7 +89,7 @@ struct Arena::Impl {
     static constexpr uint32_t kSlabNodes = 16384;
     static constexpr uint32_t kDedicatedFrom = kSlabNodes / 4;
 
-    std::pmr::monotonic_buffer_resource text_memory;
+    std::pmr::monotonic_buffer_resource text_memory{&detail::chunk_pool()};
     std::unordered_set<std::string_view> texts;
     // The texts interned last, by the caller's pointer: the library names the
     // same tags and namespaces from the same literals again and again.
@@ -110,7 +164,7 @@ struct SlabIndex {
 };
 
 SlabIndex &slab_index() {
-    static SlabIndex index;
+    static SlabIndex &index = *new SlabIndex;
     return index;
 }
 
@@ -158,7 +212,7 @@ private:
 };
 
 SlabPool &slab_pool() {
-    static SlabPool pool;
+    static SlabPool &pool = *new SlabPool;
     return pool;
 }
 
@@ -293,10 +347,7 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
             --list.current;
         if (was_last)
             continue;
-        std::erase_if(list.by_key, [pos](const auto &entry) { return entry.second == pos; });
-        for (auto &entry : list.by_key)
-            if (entry.second > pos)
-                --entry.second;
+        list.by_key.removed(pos);
     }
 }
 
@@ -357,6 +408,16 @@ std::string normalize_path(std::string_view path) {
         out += segment;
     }
     return out;
+}
+
+std::string_view normalized_path(std::string_view path, std::string &scratch) {
+    bool normalized = path.starts_with('/') && !path.ends_with('/');
+    for (std::size_t i = 0; normalized && i < path.size(); ++i)
+        normalized = path[i] != ':' && !(path[i] == '/' && i > 0 && path[i - 1] == '/');
+    if (normalized)
+        return path;
+    scratch = normalize_path(path);
+    return scratch;
 }
 
 bool well_formed_path(std::string_view path) {

@@ -20,11 +20,6 @@ std::string tag_value_key(std::string_view tag, std::string_view value) {
     return key;
 }
 
-// Key tuples are length-prefixed so that no value can fake a separator.
-void append_key(std::string &tuple, std::string_view value) {
-    tuple.append(std::to_string(value.size())).append(":").append(value);
-}
-
 bool has_tag(const tidl_yfw_datatree &node, std::string_view tag) {
     return is_text(node.tag, tag);
 }
@@ -70,16 +65,26 @@ std::string_view interned_segment(std::string_view text) {
 const AddPath &add_path(uintptr_t identity, std::string_view text) {
     struct Slot {
         uintptr_t identity = 0;
+        uint64_t used = 0; // when last asked for
         std::string text;
         AddPath path;
     };
-    static std::array<Slot, 256> slots;
-    static_assert(slots.size() == 256);
-    Slot &slot = slots[(identity * 0x9e3779b97f4a7c15ull) >> 56];
+    // Four ways a set, so that the paths of one walk seldom push each other out.
+    static constexpr std::size_t kWays = 4;
+    static std::array<std::array<Slot, kWays>, 64> sets;
+    static uint64_t clock = 0;
+    auto &set = sets[(identity * 0x9e3779b97f4a7c15ull) >> 58];
+    ++clock;
     // The same pointer may hold another text by now: the text decides.
-    if (slot.identity == identity && slot.text == text)
-        return slot.path;
+    for (Slot &slot : set) {
+        if (slot.identity == identity && slot.text == text) {
+            slot.used = clock;
+            return slot.path;
+        }
+    }
+    Slot &slot = *std::ranges::min_element(set, {}, &Slot::used);
     slot.identity = identity;
+    slot.used = clock;
     slot.text = text;
     AddPath &path = slot.path;
     path.segments.clear();
@@ -205,8 +210,10 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
             if (!has_tag(kids[i], tag))
                 continue;
             list.current = i;
-            if (auto tuple = key_tuple(&kids[i], keys))
-                list.by_key.try_emplace(std::move(*tuple), i);
+            if (KeyValues values; key_values(&kids[i], keys, values))
+                list.by_key.insert(values.hash(), i, [&](uint32_t at) {
+                    return entry_has(parent, at, tag, keys, values);
+                });
         }
     } else if (list.current != kNone && (list.current >= parent->subtree_count ||
                                          !has_tag(parent->subtrees[list.current], tag))) {
@@ -215,22 +222,38 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
     return &list;
 }
 
-std::optional<std::string> Editor::key_tuple(tidl_yfw_datatree *entry,
-                                             std::span<const std::string_view> keys) {
-    std::string tuple;
+bool Editor::key_values(tidl_yfw_datatree *entry, std::span<const std::string_view> keys,
+                        KeyValues &out) {
     for (std::string_view key : keys) {
         const tidl_yfw_datatree *leaf = find_child(entry, key);
         if (leaf == nullptr || leaf->value == nullptr)
-            return std::nullopt;
-        append_key(tuple, leaf->value);
+            return false;
+        out.push_back(leaf->value);
     }
-    return tuple;
+    return true;
+}
+
+bool Editor::has_keys(tidl_yfw_datatree *entry, std::span<const std::string_view> keys) {
+    KeyValues values;
+    return key_values(entry, keys, values);
+}
+
+bool Editor::entry_has(tidl_yfw_datatree *parent, uint32_t at, std::string_view tag,
+                       std::span<const std::string_view> keys, const KeyValues &values) {
+    if (at >= parent->subtree_count || !has_tag(parent->subtrees[at], tag))
+        return false;
+    for (std::size_t k = 0; k < keys.size(); ++k) {
+        const tidl_yfw_datatree *leaf = find_child(&parent->subtrees[at], keys[k]);
+        if (leaf == nullptr || !same_text(leaf->value, values.values()[k]))
+            return false;
+    }
+    return true;
 }
 
 uint32_t Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
                                std::span<const std::string_view> keys, bool fresh) {
     if (ListState *list = list_state(parent, tag, keys); list && list->current != kNone) {
-        if (!fresh || !key_tuple(&parent->subtrees[list->current], keys))
+        if (!fresh || !has_keys(&parent->subtrees[list->current], keys))
             return list->current;
     }
     const uint32_t made = position(parent, new_child(parent, tag, ns_, nullptr));
@@ -239,24 +262,27 @@ uint32_t Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
 }
 
 uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
-                                 const EntryKeys &wanted) {
-    const std::span<const std::string_view> names = wanted.names;
+                                 std::span<const std::string_view> names,
+                                 std::span<const char *const> values) {
     ListState *list = list_state(parent, tag, names);
+    // Named by more keys than a list has: not a list of the schema, found by a scan.
+    const bool indexed = names.size() <= KeyValues::kMax;
     uint32_t found = kNone;
-    if (list != nullptr && std::ranges::none_of(wanted.values, [](auto v) { return !v; })) {
-        std::string tuple;
-        for (const char *value : wanted.values)
-            append_key(tuple, value);
-        if (auto it = list->by_key.find(tuple); it != list->by_key.end())
-            found = it->second;
+    if (list != nullptr && indexed && std::ranges::none_of(values, [](auto v) { return !v; })) {
+        KeyValues wanted;
+        for (const char *value : values)
+            wanted.push_back(value);
+        found = list->by_key.find(wanted.hash(), [&](uint32_t at) {
+            return entry_has(parent, at, tag, names, wanted);
+        });
     } else if (list != nullptr) {
         auto kids = children(parent);
         for (uint32_t i = 0; i < kids.size() && found == kNone; ++i) {
             bool match = has_tag(kids[i], tag);
             for (std::size_t k = 0; match && k < names.size(); ++k) {
                 const tidl_yfw_datatree *leaf = find_child(&kids[i], names[k]);
-                match = wanted.values[k] == nullptr ||
-                        (leaf != nullptr && same_text(leaf->value, wanted.values[k]));
+                match = values[k] == nullptr ||
+                        (leaf != nullptr && same_text(leaf->value, values[k]));
             }
             if (match)
                 found = i;
@@ -266,11 +292,13 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
         tidl_yfw_datatree *entry = new_child(parent, tag, ns_, nullptr);
         found = position(parent, entry);
         for (std::size_t k = 0; k < names.size(); ++k)
-            if (wanted.values[k] != nullptr)
-                new_child(&parent->subtrees[found], names[k], ns_, wanted.values[k]);
+            if (values[k] != nullptr)
+                new_child(&parent->subtrees[found], names[k], ns_, values[k]);
         list = list_state(parent, tag, names);
-        if (auto tuple = key_tuple(&parent->subtrees[found], names))
-            list->by_key.try_emplace(std::move(*tuple), found);
+        if (KeyValues made; indexed && key_values(&parent->subtrees[found], names, made))
+            list->by_key.insert(made.hash(), found, [&](uint32_t at) {
+                return entry_has(parent, at, tag, names, made);
+            });
     }
     set_current(*list, found);
     return found;
@@ -282,24 +310,19 @@ uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
     // Its entry is current already: the common case, with no keys to gather.
     if (list != nullptr && list->bound_to == open.serial)
         return current_entry(parent, tag, keys, false);
-    EntryKeys wanted{{keys.begin(), keys.end()}, {}};
+    KeyValues wanted;
     for (std::string_view key : keys) {
-        auto it = std::ranges::find(open.key_names, key);
-        if (it == open.key_names.end() ||
-            open.key_values[static_cast<std::size_t>(it - open.key_names.begin())] == nullptr)
-            break;
-        wanted.values.push_back(
-            open.key_values[static_cast<std::size_t>(it - open.key_names.begin())]);
+        const char *value = open.value_of(key);
+        if (value == nullptr) // another list than the input entry's
+            return current_entry(parent, tag, keys, false);
+        wanted.push_back(value);
     }
-    // Another list than the input entry's.
-    if (wanted.values.size() != keys.size())
-        return current_entry(parent, tag, keys, false);
     uint32_t entry;
     if (list != nullptr && list->current != kNone &&
-        !key_tuple(&parent->subtrees[list->current], keys))
+        !has_keys(&parent->subtrees[list->current], keys))
         entry = list->current; // formed by the list mapper, its key still to come
     else
-        entry = entry_with_keys(parent, tag, wanted);
+        entry = entry_with_keys(parent, tag, keys, wanted.values());
     list_state(parent, tag, keys)->bound_to = open.serial;
     return entry;
 }
@@ -314,7 +337,7 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_vi
         // Names the key without setting it: the entry stays as it is.
         return {leaf != nullptr ? leaf : new_child(node, key, ns_, nullptr), node};
     }
-    const bool was_complete = key_tuple(node, keys).has_value();
+    const bool was_complete = has_keys(node, keys);
     if (was_complete && same_text(leaf->value, value))
         return {leaf, node};
     if (was_complete) {
@@ -334,15 +357,16 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_vi
         set_value(node, leaf, value);
     }
     set_current(list, entry);
-    auto tuple = key_tuple(node, keys);
-    if (!tuple)
+    KeyValues values;
+    if (!key_values(node, keys, values))
         return {leaf, node};
-    auto [it, inserted] = list.by_key.try_emplace(std::move(*tuple), entry);
-    if (inserted || it->second == entry)
+    uint32_t kept_entry = list.by_key.insert(values.hash(), entry, [&](uint32_t at) {
+        return entry_has(parent, at, list_tag, keys, values);
+    });
+    if (kept_entry == entry)
         return {leaf, node};
 
     // The keys now equal those of an earlier entry: that entry takes this one in.
-    uint32_t kept_entry = it->second;
     std::string entry_schema(schema);
     merge_children(&parent->subtrees[kept_entry], node, entry_schema);
     if (node->present_operation)
@@ -379,15 +403,17 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
         const auto keys = list_keys(schema);
         tidl_yfw_datatree *target = nullptr;
         if (!keys.empty()) {
-            auto tuple = key_tuple(&child, keys);
-            if (ListState *list = tuple ? list_state(into, child.tag, keys) : nullptr) {
-                if (auto it = list->by_key.find(*tuple); it != list->by_key.end())
-                    target = &into->subtrees[it->second];
+            KeyValues values;
+            const bool complete = key_values(&child, keys, values);
+            auto same = [&](uint32_t at) { return entry_has(into, at, child.tag, keys, values); };
+            if (ListState *list = complete ? list_state(into, child.tag, keys) : nullptr) {
+                if (const uint32_t found = list->by_key.find(values.hash(), same); found != kNone)
+                    target = &into->subtrees[found];
             }
             if (target == nullptr) {
                 const uint32_t moved = position(into, move_child(into, child));
-                if (tuple)
-                    list_state(into, child.tag, keys)->by_key.try_emplace(std::move(*tuple), moved);
+                if (complete)
+                    list_state(into, child.tag, keys)->by_key.insert(values.hash(), moved, same);
             }
         } else if ((target = merge_target(into, from, child)) == nullptr) {
             move_child(into, child);
@@ -550,7 +576,7 @@ Placed Editor::place(tidl_yfw_datatree *tree, std::span<const std::string_view> 
         auto keys = tree->tag == nullptr ? list_keys(schema) : std::span<const std::string_view>();
         uint32_t entry = kNone;
         if (i < wanted.size() && wanted[i] != nullptr && wanted[i]->any())
-            entry = entry_with_keys(at.node, segment, *wanted[i]);
+            entry = entry_with_keys(at.node, segment, wanted[i]->names, wanted[i]->values);
         else if (!keys.empty())
             entry = current_entry(at.node, segment, keys, false);
         tidl_yfw_datatree *next =

@@ -71,12 +71,18 @@ private:
 
     ListState *list_state(tidl_yfw_datatree *parent, std::string_view tag,
                           std::span<const std::string_view> keys);
-    std::optional<std::string> key_tuple(tidl_yfw_datatree *entry,
-                                         std::span<const std::string_view> keys);
+    // The key values of `entry` in key order; false while one is missing.
+    bool key_values(tidl_yfw_datatree *entry, std::span<const std::string_view> keys,
+                    KeyValues &out);
+    bool has_keys(tidl_yfw_datatree *entry, std::span<const std::string_view> keys);
+    // Whether child `at` of `parent` is an entry of list `tag` with these keys.
+    bool entry_has(tidl_yfw_datatree *parent, uint32_t at, std::string_view tag,
+                   std::span<const std::string_view> keys, const KeyValues &values);
     uint32_t current_entry(tidl_yfw_datatree *parent, std::string_view tag,
                            std::span<const std::string_view> keys, bool fresh);
     uint32_t entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
-                             const EntryKeys &wanted);
+                             std::span<const std::string_view> names,
+                             std::span<const char *const> values);
     uint32_t open_entry(tidl_yfw_datatree *parent, std::string_view tag,
                         std::span<const std::string_view> keys, const OpenEntry &open);
     Placed set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,

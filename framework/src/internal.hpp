@@ -129,6 +129,8 @@ std::size_t augment_target_depth(const char *ns, std::span<const std::string_vie
 
 // "/b/c" for "/a:b//c/": the form the schema registry is keyed by.
 std::string normalize_path(std::string_view path);
+// The same, as `path` itself when it has that form already, else in `scratch`.
+std::string_view normalized_path(std::string_view path, std::string &scratch);
 // A path of at least one element, each "name" or "prefix:name".
 bool well_formed_path(std::string_view path);
 
@@ -143,10 +145,108 @@ inline void note_reshape() {
     ++reshapes;
 }
 
+// Memory that arenas gave back, for the next arenas: a framework serves
+// request after request, and fresh memory costs a page fault per page. Large
+// blocks only; small ones go to the heap.
+std::pmr::memory_resource &chunk_pool();
+
+// The key values of one list entry, in key order.
+class KeyValues {
+public:
+    static constexpr std::size_t kMax = 8; // more keys than any list of the models has
+    void push_back(const char *value) {
+        if (size_ == kMax)
+            fail_assert("list with more than 8 keys");
+        values_[size_++] = value;
+    }
+    std::span<const char *const> values() const { return {values_.data(), size_}; }
+    // A hash of the values that tells ("a", "bc") from ("ab", "c").
+    uint64_t hash() const {
+        uint64_t h = 14695981039346656037ull;
+        for (const char *value : values()) {
+            for (const char *c = value; *c != '\0'; ++c)
+                h = (h ^ static_cast<uint8_t>(*c)) * 1099511628211ull;
+            h = (h ^ 0xffu) * 1099511628211ull;
+        }
+        return h;
+    }
+
+private:
+    std::array<const char *, kMax> values_{};
+    std::size_t size_ = 0;
+};
+
+// The entries of one list by their key values: hashes and positions only,
+// with a hit confirmed against the values in the tree. Open addressing, so an
+// entry costs no allocation of its own.
+class KeyIndex {
+public:
+    // The position of an entry for which `same(position)` holds, or kNone.
+    template <typename Same> uint32_t find(uint64_t hash, Same same) const {
+        if (slots_.empty())
+            return kNone;
+        for (std::size_t at = hash & mask(); slots_[at].position != kNone; at = (at + 1) & mask())
+            if (slots_[at].hash == hash && same(slots_[at].position))
+                return slots_[at].position;
+        return kNone;
+    }
+    // Adds `position` unless an entry with the same keys is there already:
+    // the position of that entry, or `position`.
+    template <typename Same> uint32_t insert(uint64_t hash, uint32_t position, Same same) {
+        if (const uint32_t found = find(hash, same); found != kNone)
+            return found;
+        if ((used_ + 1) * 4 > slots_.size() * 3)
+            rehash(std::max<std::size_t>(16, slots_.size() * 2));
+        std::size_t at = hash & mask();
+        while (slots_[at].position != kNone)
+            at = (at + 1) & mask();
+        slots_[at] = {hash, position};
+        ++used_;
+        return position;
+    }
+    // Entry `position` left its array and the later ones moved down by one.
+    void removed(uint32_t position) {
+        std::pmr::vector<Slot> old(&chunk_pool());
+        old.swap(slots_);
+        used_ = 0;
+        rehash(old.size());
+        for (const Slot &slot : old) {
+            if (slot.position == kNone || slot.position == position)
+                continue;
+            std::size_t at = slot.hash & mask();
+            while (slots_[at].position != kNone)
+                at = (at + 1) & mask();
+            slots_[at] = {slot.hash, slot.position > position ? slot.position - 1 : slot.position};
+            ++used_;
+        }
+    }
+
+private:
+    struct Slot {
+        uint64_t hash = 0;
+        uint32_t position = kNone;
+    };
+    std::size_t mask() const { return slots_.size() - 1; }
+    void rehash(std::size_t size) {
+        std::pmr::vector<Slot> old(size, &chunk_pool());
+        old.swap(slots_);
+        for (const Slot &slot : old) {
+            if (slot.position == kNone)
+                continue;
+            std::size_t at = slot.hash & mask();
+            while (slots_[at].position != kNone)
+                at = (at + 1) & mask();
+            slots_[at] = slot;
+        }
+    }
+    std::pmr::vector<Slot> slots_{&chunk_pool()};
+    std::size_t used_ = 0;
+};
+
 // Where a list's current entry is and which complete key tuples it holds.
 struct ListState {
     uint32_t current = kNone;
-    TextMap<uint32_t> by_key;
+    KeyIndex by_key;
     // The open output list whose entry was last made current here, 0 for none.
     uint64_t bound_to = 0;
 };
@@ -156,8 +256,24 @@ struct ListState {
 // the entry with these values.
 struct OpenEntry {
     uint64_t serial = 0;
-    std::vector<std::string_view> key_names;
-    std::vector<const char *> key_values;
+    std::size_t count = 0;
+    std::array<std::string_view, KeyValues::kMax> key_names{};
+    std::array<const char *, KeyValues::kMax> key_values{};
+
+    // Keys past the most a list has are ignored.
+    void add(std::string_view name, const char *value) {
+        if (count < key_names.size()) {
+            key_names[count] = name;
+            key_values[count++] = value;
+        }
+    }
+    // The value of key `name`, null when it has none.
+    const char *value_of(std::string_view name) const {
+        for (std::size_t i = 0; i < count; ++i)
+            if (key_names[i] == name)
+                return key_values[i];
+        return nullptr;
+    }
 };
 
 // Lookup state of the children of one array, kept as positions by the

@@ -86,19 +86,15 @@ const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yf
 // The keys of an input entry by name: the children the walker marked as keys,
 // wherever they stand among the others, else the schema's keys of its list.
 OpenEntry open_entry(yfw_map_session &session, const tidl_yfw_datatree *entry) {
-    OpenEntry open{session.next_serial++, {}, {}};
-    for (const tidl_yfw_datatree &child : children(entry)) {
-        if (child.present_is_key && child.is_key && child.tag != nullptr) {
-            open.key_names.emplace_back(child.tag);
-            open.key_values.push_back(child.value);
-        }
-    }
-    if (const std::size_t depth = session.depth_of(entry);
-        open.key_names.empty() && depth != kNoDepth) {
+    OpenEntry open;
+    open.serial = session.next_serial++;
+    for (const tidl_yfw_datatree &child : children(entry))
+        if (child.present_is_key && child.is_key && child.tag != nullptr)
+            open.add(child.tag, child.value);
+    if (const std::size_t depth = session.depth_of(entry); open.count == 0 && depth != kNoDepth) {
         for (std::string_view key : yfw::list_keys(session.hierarchy_path(depth))) {
             const tidl_yfw_datatree *leaf = child_with_tag(entry, key);
-            open.key_names.push_back(key);
-            open.key_values.push_back(leaf != nullptr ? leaf->value : nullptr);
+            open.add(key, leaf != nullptr ? leaf->value : nullptr);
         }
     }
     return open;
@@ -141,8 +137,15 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
     // In a walk-all pass the top is an ancestor of the list: nothing to record then.
     const auto segments = split_path(path);
     const HierarchyFrame &top = session->hierarchy.back();
-    if (!segments.empty() && top.node->tag != nullptr && segments.back() == top.node->tag)
-        session->current_lists[normalize_path(path)] = {session->hierarchy.size() - 1, top.serial};
+    if (segments.empty() || top.node->tag == nullptr || segments.back() != top.node->tag)
+        return YFW_SUCCESS;
+    const yfw_map_session::CurrentRecord record{session->hierarchy.size() - 1, top.serial};
+    std::string scratch;
+    const std::string_view normalized = normalized_path(path, scratch);
+    if (auto it = session->current_lists.find(normalized); it != session->current_lists.end())
+        it->second = record;
+    else
+        session->current_lists.emplace(normalized, record);
     return YFW_SUCCESS;
 }
 
