@@ -131,7 +131,8 @@ bool inside(const tidl_yfw_datatree *node, const tidl_yfw_datatree *first, std::
 
 // Slabs of every arena by their first slot. One thread uses the framework.
 struct SlabIndex {
-    std::map<std::uintptr_t, Slab *> by_start;
+    // Sorted by start: a binary search over a few hundred contiguous entries.
+    std::vector<std::pair<std::uintptr_t, Slab *>> by_start;
     // The slabs found last, most recent first: the input tree's, the output's.
     std::array<Slab *, 4> recent{};
 
@@ -144,7 +145,8 @@ struct SlabIndex {
                 return slab;
             }
         }
-        auto it = by_start.upper_bound(reinterpret_cast<std::uintptr_t>(node));
+        const auto at = reinterpret_cast<std::uintptr_t>(node);
+        auto it = std::ranges::upper_bound(by_start, at, {}, &std::pair<std::uintptr_t, Slab *>::first);
         if (it == by_start.begin())
             return nullptr;
         Slab *slab = std::prev(it)->second;
@@ -155,10 +157,15 @@ struct SlabIndex {
         return slab;
     }
     void add(Slab &slab) {
-        by_start.emplace(reinterpret_cast<std::uintptr_t>(slab.nodes.get()), &slab);
+        const auto start = reinterpret_cast<std::uintptr_t>(slab.nodes.get());
+        auto it = std::ranges::upper_bound(by_start, start, {}, &std::pair<std::uintptr_t, Slab *>::first);
+        by_start.insert(it, {start, &slab});
     }
     void remove(const Slab &slab) {
-        by_start.erase(reinterpret_cast<std::uintptr_t>(slab.nodes.get()));
+        const auto start = reinterpret_cast<std::uintptr_t>(slab.nodes.get());
+        auto it = std::ranges::lower_bound(by_start, start, {}, &std::pair<std::uintptr_t, Slab *>::first);
+        if (it != by_start.end() && it->first == start)
+            by_start.erase(it);
         std::ranges::replace(recent, &slab, nullptr);
     }
 };
@@ -339,16 +346,14 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
     lookups.first_by_tag.clear();
     lookups.by_tag_value.clear();
     const bool was_last = pos == live - 1;
-    for (NamedList &named : lookups.lists) {
-        ListState &list = named.state;
+    lookups.each_list([pos, was_last](ListState &list) {
         if (list.current == pos)
             list.current = kNone;
         else if (list.current != kNone && list.current > pos)
             --list.current;
-        if (was_last)
-            continue;
-        list.by_key.removed(pos);
-    }
+        if (!was_last)
+            list.by_key.removed(pos);
+    });
 }
 
 void release_children(tidl_yfw_datatree *node) {

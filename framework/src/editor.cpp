@@ -198,10 +198,10 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
     Block *block = own_children(parent, home_);
     if (block == nullptr)
         return nullptr;
-    auto &lists = block->lookup().lists;
-    auto it = std::ranges::find(lists, tag, &NamedList::tag);
-    const bool fresh = it == lists.end();
-    ListState &list = fresh ? lists.emplace_front(std::string(tag), ListState{}).state : it->state;
+    Lookups &lookups = block->lookup();
+    ListState *known = lookups.find_list(tag);
+    const bool fresh = known == nullptr;
+    ListState &list = fresh ? lookups.add_list(intern(*block->arena, tag)) : *known;
     if (fresh) {
         // First use here (or the array was touched by a host): the last entry is current.
         note_reshape();

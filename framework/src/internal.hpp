@@ -3,6 +3,7 @@
 // behind yfw_map_ctx::session.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -177,14 +178,19 @@ private:
 };
 
 // The entries of one list by their key values: hashes and positions only,
-// with a hit confirmed against the values in the tree. Open addressing, so an
-// entry costs no allocation of its own.
+// with a hit confirmed against the values in the tree. The first few inline
+// (most lists inside entries are short), then open addressing, so an entry
+// costs no allocation of its own.
 class KeyIndex {
 public:
     // The position of an entry for which `same(position)` holds, or kNone.
     template <typename Same> uint32_t find(uint64_t hash, Same same) const {
-        if (slots_.empty())
+        if (slots_.empty()) {
+            for (std::size_t i = 0; i < few_count_; ++i)
+                if (few_[i].hash == hash && same(few_[i].position))
+                    return few_[i].position;
             return kNone;
+        }
         for (std::size_t at = hash & mask(); slots_[at].position != kNone; at = (at + 1) & mask())
             if (slots_[at].hash == hash && same(slots_[at].position))
                 return slots_[at].position;
@@ -195,30 +201,36 @@ public:
     template <typename Same> uint32_t insert(uint64_t hash, uint32_t position, Same same) {
         if (const uint32_t found = find(hash, same); found != kNone)
             return found;
-        if ((used_ + 1) * 4 > slots_.size() * 3)
+        if (slots_.empty() && few_count_ < few_.size()) {
+            few_[few_count_++] = {hash, position};
+            return position;
+        }
+        if (slots_.empty() || (used_ + 1) * 4 > slots_.size() * 3)
             rehash(std::max<std::size_t>(16, slots_.size() * 2));
-        std::size_t at = hash & mask();
-        while (slots_[at].position != kNone)
-            at = (at + 1) & mask();
-        slots_[at] = {hash, position};
-        ++used_;
+        place({hash, position});
         return position;
     }
     // Entry `position` left its array and the later ones moved down by one.
     void removed(uint32_t position) {
-        std::pmr::vector<Slot> old(&chunk_pool());
+        auto keep = [position](Slot slot) {
+            if (slot.position > position)
+                --slot.position;
+            return slot;
+        };
+        if (slots_.empty()) {
+            std::size_t kept = 0;
+            for (std::size_t i = 0; i < few_count_; ++i)
+                if (few_[i].position != position)
+                    few_[kept++] = keep(few_[i]);
+            few_count_ = kept;
+            return;
+        }
+        std::pmr::vector<Slot> old(slots_.size(), &chunk_pool());
         old.swap(slots_);
         used_ = 0;
-        rehash(old.size());
-        for (const Slot &slot : old) {
-            if (slot.position == kNone || slot.position == position)
-                continue;
-            std::size_t at = slot.hash & mask();
-            while (slots_[at].position != kNone)
-                at = (at + 1) & mask();
-            slots_[at] = {slot.hash, slot.position > position ? slot.position - 1 : slot.position};
-            ++used_;
-        }
+        for (const Slot &slot : old)
+            if (slot.position != kNone && slot.position != position)
+                place(keep(slot));
     }
 
 private:
@@ -227,18 +239,26 @@ private:
         uint32_t position = kNone;
     };
     std::size_t mask() const { return slots_.size() - 1; }
+    void place(Slot slot) {
+        std::size_t at = slot.hash & mask();
+        while (slots_[at].position != kNone)
+            at = (at + 1) & mask();
+        slots_[at] = slot;
+        ++used_;
+    }
     void rehash(std::size_t size) {
         std::pmr::vector<Slot> old(size, &chunk_pool());
         old.swap(slots_);
-        for (const Slot &slot : old) {
-            if (slot.position == kNone)
-                continue;
-            std::size_t at = slot.hash & mask();
-            while (slots_[at].position != kNone)
-                at = (at + 1) & mask();
-            slots_[at] = slot;
-        }
+        used_ = 0;
+        for (std::size_t i = 0; i < few_count_; ++i)
+            place(few_[i]);
+        few_count_ = 0;
+        for (const Slot &slot : old)
+            if (slot.position != kNone)
+                place(slot);
     }
+    std::array<Slot, 4> few_{};
+    std::size_t few_count_ = 0;
     std::pmr::vector<Slot> slots_{&chunk_pool()};
     std::size_t used_ = 0;
 };
@@ -279,11 +299,36 @@ struct OpenEntry {
 // Lookup state of the children of one array, kept as positions by the
 // framework's own edits and dropped when a host appends on its own.
 struct NamedList {
-    std::string tag;
+    std::string_view tag; // the arena's copy
     ListState state;
 };
 struct Lookups {
-    std::forward_list<NamedList> lists; // few per array; states stay put
+    // Most arrays hold one list: its state is here, any others in `more`.
+    // States stay put.
+    bool has_first = false;
+    NamedList first;
+    std::forward_list<NamedList> more;
+
+    ListState *find_list(std::string_view tag) {
+        if (has_first && first.tag == tag)
+            return &first.state;
+        auto it = std::ranges::find(more, tag, &NamedList::tag);
+        return it == more.end() ? nullptr : &it->state;
+    }
+    ListState &add_list(std::string_view tag) {
+        if (!has_first) {
+            has_first = true;
+            first.tag = tag;
+            return first.state;
+        }
+        return more.emplace_front(tag, ListState{}).state;
+    }
+    template <typename Visit> void each_list(Visit visit) {
+        if (has_first)
+            visit(first.state);
+        for (NamedList &named : more)
+            visit(named.state);
+    }
 
     bool tag_index_built = false;
     TextMap<uint32_t> first_by_tag;

@@ -229,7 +229,17 @@ constexpr std::array kAugments = {
 
 std::size_t augment_target_depth(const char *ns, std::span<const std::string_view> segments,
                                  const char **base_ns) {
-    const Module *m = ns != nullptr ? module_by_namespace(ns) : nullptr;
+    // Asked with the same namespace add after add: the last answer, while
+    // that pointer still holds that module's text.
+    static const char *last_ns = nullptr;
+    static const Module *last_module = nullptr;
+    if (ns == nullptr)
+        return 0;
+    if (ns != last_ns || last_module == nullptr || !same_text(ns, last_module->ns.data())) {
+        last_ns = ns;
+        last_module = module_by_namespace(ns);
+    }
+    const Module *m = last_module;
     if (m == nullptr)
         return 0;
     for (const AugmentRow &row : kAugments) {

@@ -18,7 +18,7 @@ bool is_delete(int32_t op) {
 
 // The node of the walk at `path`: the recorded current entry while it is on
 // the hierarchy, else the hierarchy node whose tag path is `path`.
-const tidl_yfw_datatree *walk_node(const yfw_map_session &session, const std::string &path) {
+const tidl_yfw_datatree *walk_node(const yfw_map_session &session, std::string_view path) {
     const auto &frames = session.hierarchy;
     if (auto it = session.current_lists.find(path); it != session.current_lists.end()) {
         const auto &[depth, serial] = it->second;
@@ -155,7 +155,8 @@ cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char
     if (session == nullptr || list_path == nullptr || key_name == nullptr || value_out == nullptr ||
         !well_formed_path(list_path))
         return YFW_ERR_INVALID_ARGS;
-    std::string path = normalize_path(list_path);
+    std::string scratch;
+    const std::string_view path = normalized_path(list_path, scratch);
     const tidl_yfw_datatree *holder = nullptr;
     if (path.ends_with("/config")) {
         // A key mirrored in the entry's config container.
