@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <list>
 
 #include "internal.hpp"
 
@@ -31,10 +32,55 @@ struct Slab {
 namespace detail {
 namespace {
 
+// Memory given back for reuse, found by size. Past `max_bytes` the memory
+// kept longest goes back to the system first, so that what the last requests
+// used stays, whatever sizes earlier ones left.
+template <typename Memory> class KeptMemory {
+public:
+    explicit KeptMemory(std::size_t max_bytes) : max_bytes_(max_bytes) {}
+
+    std::optional<Memory> take(std::size_t size) {
+        auto it = by_size_.find(size);
+        if (it == by_size_.end())
+            return std::nullopt;
+        auto entry = it->second;
+        by_size_.erase(it);
+        Memory memory = std::move(entry->memory);
+        bytes_ -= entry->bytes;
+        order_.erase(entry);
+        return memory;
+    }
+    // Keeps `memory` (`bytes` long); too large a block is let go at once.
+    void give(std::size_t size, std::size_t bytes, Memory memory) {
+        if (bytes > max_bytes_)
+            return;
+        while (bytes_ + bytes > max_bytes_) {
+            by_size_.erase(order_.front().index);
+            bytes_ -= order_.front().bytes;
+            order_.pop_front();
+        }
+        order_.push_back({bytes, std::move(memory), {}});
+        order_.back().index = by_size_.emplace(size, std::prev(order_.end()));
+        bytes_ += bytes;
+    }
+
+private:
+    struct Entry;
+    using Index = std::multimap<std::size_t, typename std::list<Entry>::iterator>;
+    struct Entry {
+        std::size_t bytes;
+        Memory memory;
+        typename Index::iterator index;
+    };
+    std::size_t max_bytes_;
+    std::size_t bytes_ = 0;
+    std::list<Entry> order_; // oldest first
+    Index by_size_;
+};
+
 class ChunkPool final : public std::pmr::memory_resource {
 public:
-    // Smaller blocks come from the heap's own free lists; past the last size
-    // kept, memory goes back to the system.
+    // Smaller blocks come from the heap's own free lists.
     static constexpr std::size_t kSmallest = std::size_t{64} << 10;
     static constexpr std::size_t kMaxBytes = std::size_t{256} << 20;
 
@@ -45,30 +91,25 @@ private:
     void *do_allocate(std::size_t bytes, std::size_t alignment) override {
         if (!pooled(bytes, alignment))
             return ::operator new(bytes, std::align_val_t(alignment));
-        if (auto it = kept_.find(bytes); it != kept_.end()) {
-            void *block = it->second;
-            kept_.erase(it);
-            bytes_ -= bytes;
-            return block;
-        }
+        if (auto kept = kept_.take(bytes))
+            return kept->release();
         return ::operator new(bytes);
     }
     void do_deallocate(void *block, std::size_t bytes, std::size_t alignment) override {
-        if (!pooled(bytes, alignment)) {
+        if (!pooled(bytes, alignment))
             ::operator delete(block, bytes, std::align_val_t(alignment));
-        } else if (bytes_ + bytes <= kMaxBytes) {
-            kept_.emplace(bytes, block);
-            bytes_ += bytes;
-        } else {
-            ::operator delete(block);
-        }
+        else
+            kept_.give(bytes, bytes, Block(block));
     }
     bool do_is_equal(const std::pmr::memory_resource &other) const noexcept override {
         return this == &other;
     }
 
-    std::multimap<std::size_t, void *> kept_;
-    std::size_t bytes_ = 0;
+    struct Release {
+        void operator()(void *block) const { ::operator delete(block); }
+    };
+    using Block = std::unique_ptr<void, Release>;
+    KeptMemory<Block> kept_{kMaxBytes};
 };
 
 } // namespace
@@ -179,8 +220,7 @@ SlabIndex &slab_index() {
 // request after request, and fresh memory costs a page fault per page.
 class SlabPool {
 public:
-    // Kept up to this much (the output of a million-node walk fits); past it,
-    // memory goes back to the system.
+    // Kept up to this much: the output of a million-node walk fits.
     static constexpr std::size_t kMaxBytes = std::size_t{512} << 20;
 
     static std::size_t bytes_of(uint32_t capacity) {
@@ -188,11 +228,9 @@ public:
     }
     // Memory for `capacity` slots into `slab`, from the pool when it has some.
     void take(Slab &slab, uint32_t capacity) {
-        if (auto it = kept_.find(capacity); it != kept_.end()) {
-            slab.nodes = std::move(it->second.nodes);
-            slab.owner = std::move(it->second.owner);
-            kept_.erase(it);
-            bytes_ -= bytes_of(capacity);
+        if (auto kept = kept_.take(capacity)) {
+            slab.nodes = std::move(kept->nodes);
+            slab.owner = std::move(kept->owner);
         } else {
             slab.nodes = std::make_unique_for_overwrite<tidl_yfw_datatree[]>(capacity);
             slab.owner = std::make_unique_for_overwrite<uint32_t[]>(capacity);
@@ -200,10 +238,8 @@ public:
         slab.capacity = capacity;
     }
     void give(Slab &slab) {
-        if (bytes_ + bytes_of(slab.capacity) <= kMaxBytes) {
-            bytes_ += bytes_of(slab.capacity);
-            kept_.emplace(slab.capacity, Memory{std::move(slab.nodes), std::move(slab.owner)});
-        }
+        kept_.give(slab.capacity, bytes_of(slab.capacity),
+                   Memory{std::move(slab.nodes), std::move(slab.owner)});
         slab.nodes.reset();
         slab.owner.reset();
         slab.capacity = 0;
@@ -214,8 +250,7 @@ private:
         std::unique_ptr<tidl_yfw_datatree[]> nodes;
         std::unique_ptr<uint32_t[]> owner;
     };
-    std::multimap<uint32_t, Memory> kept_;
-    std::size_t bytes_ = 0;
+    KeptMemory<Memory> kept_{kMaxBytes};
 };
 
 SlabPool &slab_pool() {
