@@ -104,7 +104,7 @@ const AddPath &add_path(uintptr_t identity, std::string_view text) {
 }
 
 bool EntryKeys::any() const {
-    return std::ranges::any_of(values, [](const char *v) { return v != nullptr; });
+    return std::ranges::any_of(values(), [](const char *v) { return v != nullptr; });
 }
 
 Editor::Editor(Arena::Impl &home, const char *ns) : home_(home), ns_(ns) {}
@@ -567,16 +567,16 @@ tidl_yfw_datatree *Editor::find(tidl_yfw_datatree *tree,
 }
 
 Placed Editor::place(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
+                     std::span<const std::span<const std::string_view>> keys_at,
                      std::span<const EntryKeys *const> wanted) {
-    std::string schema;
     Placed at{tree, nullptr};
     for (std::size_t i = 0; i < segments.size(); ++i) {
         const std::string_view segment = segments[i];
-        schema.append("/").append(segment);
-        auto keys = tree->tag == nullptr ? list_keys(schema) : std::span<const std::string_view>();
+        const auto keys =
+            tree->tag == nullptr ? keys_at[i] : std::span<const std::string_view>();
         uint32_t entry = kNone;
         if (i < wanted.size() && wanted[i] != nullptr && wanted[i]->any())
-            entry = entry_with_keys(at.node, segment, wanted[i]->names, wanted[i]->values);
+            entry = entry_with_keys(at.node, segment, wanted[i]->names(), wanted[i]->values());
         else if (!keys.empty())
             entry = current_entry(at.node, segment, keys, false);
         tidl_yfw_datatree *next =

@@ -12,11 +12,34 @@ struct Placed {
     tidl_yfw_datatree *parent = nullptr;
 };
 
-// Key values wanted for one list entry: `names[i]` has `values[i]` (null: any).
-struct EntryKeys {
-    std::vector<std::string_view> names;
-    std::vector<const char *> values;
+// Key values wanted for one list entry: `names()[i]` has `values()[i]`
+// (null: any). Holds as many as a list has keys.
+class EntryKeys {
+public:
+    // False when full.
+    bool add(std::string_view name, const char *value) {
+        if (count_ == names_.size())
+            return false;
+        names_[count_] = name;
+        values_[count_++] = value;
+        return true;
+    }
+    // False when no key has that name.
+    bool set(std::string_view name, const char *value) {
+        auto it = std::ranges::find(names(), name);
+        if (it == names().end())
+            return false;
+        values_[static_cast<std::size_t>(it - names().begin())] = value;
+        return true;
+    }
+    std::span<const std::string_view> names() const { return {names_.data(), count_}; }
+    std::span<const char *const> values() const { return {values_.data(), count_}; }
     bool any() const;
+
+private:
+    std::array<std::string_view, KeyValues::kMax> names_{};
+    std::array<const char *, KeyValues::kMax> values_{};
+    std::size_t count_ = 0;
 };
 
 // The path of an add, split, and with the keys of each prefix looked up: done
@@ -52,8 +75,10 @@ public:
 
     // Resolves the path, creating what is missing. Segment i goes to the entry
     // with the keys `wanted[i]` (found or made) when that has a value, else a
-    // list segment goes to the current entry. The entries reached become current.
+    // list segment (one with `keys_at[i]`) goes to the current entry. The
+    // entries reached become current.
     Placed place(tidl_yfw_datatree *tree, std::span<const std::string_view> segments,
+                 std::span<const std::span<const std::string_view>> keys_at,
                  std::span<const EntryKeys *const> wanted);
 
     // Texts of a node live in the arena of its array.

@@ -469,6 +469,8 @@ struct yfw_map_session {
 
     // The tag path of the hierarchy up to frame `depth` (inclusive).
     std::string hierarchy_path(std::size_t depth) const;
+    // The keys of the list at that path, without spelling the path out.
+    std::span<const std::string_view> hierarchy_keys(std::size_t depth) const;
     // The depth of `node` on the hierarchy, innermost first; kNone when absent.
     std::size_t depth_of(const tidl_yfw_datatree *node) const;
 };

@@ -12,6 +12,18 @@ std::string yfw_map_session::hierarchy_path(std::size_t depth) const {
     return path;
 }
 
+std::span<const std::string_view> yfw_map_session::hierarchy_keys(std::size_t depth) const {
+    yfw::detail::Segments segments;
+    for (std::size_t i = 0; i <= depth && i < hierarchy.size(); ++i)
+        yfw::detail::split_path(yfw::detail::text_of(hierarchy[i].node->tag), segments);
+    if (segments.empty())
+        return {};
+    yfw::detail::SchemaHash hash;
+    for (std::string_view segment : segments)
+        hash.add_segment(segment);
+    return yfw::detail::list_keys_hashed(hash.value, segments);
+}
+
 std::size_t yfw_map_session::depth_of(const tidl_yfw_datatree *node) const {
     for (std::size_t i = hierarchy.size(); i-- > 0;)
         if (hierarchy[i].node == node)

@@ -37,18 +37,6 @@ const AddPath *joined_path(const char *const *components, uint32_t count) {
     return path.segments.empty() ? nullptr : &path;
 }
 
-// "/ocsystem", "/system/state" ...: the segments of all components in order.
-bool join_components(const char *const *components, uint32_t count, Segments &segments) {
-    if (components == nullptr || count == 0)
-        return false;
-    for (uint32_t i = 0; i < count; ++i) {
-        if (components[i] == nullptr)
-            return false;
-        split_path(components[i], segments);
-    }
-    return !segments.empty();
-}
-
 void note_add(yfw_map_session &session, tidl_yfw_datatree *tree, const Placed &at,
               const tidl_yfw_datatree *source, tidl_yfw_datatree **new_node_out) {
     // The later of two adds with a source sets the operation, also when its
@@ -80,28 +68,44 @@ cerrno add_segments(yfw_map_session &session, tidl_yfw_datatree *tree, const Add
 }
 
 // The key values of an input list entry in key order: by the schema when the
-// entry is on the hierarchy, else its children marked as keys.
-std::vector<const char *> input_key_values(const yfw_map_session &session,
-                                           const tidl_yfw_datatree *entry) {
-    std::vector<const char *> values;
+// entry is on the hierarchy, else its children marked as keys (as many as a
+// list can have).
+struct InputKeys {
+    std::array<const char *, KeyValues::kMax> values{};
+    std::size_t count = 0;
+    void add(const char *value) {
+        if (count < values.size())
+            values[count++] = value;
+    }
+    bool any() const {
+        return std::any_of(values.begin(), values.begin() + count,
+                           [](const char *v) { return v != nullptr; });
+    }
+};
+
+InputKeys input_key_values(const yfw_map_session &session, const tidl_yfw_datatree *entry) {
+    InputKeys keys;
     if (const std::size_t depth = session.depth_of(entry); depth != kNoDepth) {
-        for (std::string_view key : yfw::list_keys(session.hierarchy_path(depth))) {
+        for (std::string_view key : session.hierarchy_keys(depth)) {
             const tidl_yfw_datatree *leaf = child_with_tag(entry, key);
-            values.push_back(leaf != nullptr ? leaf->value : nullptr);
+            keys.add(leaf != nullptr ? leaf->value : nullptr);
         }
     }
-    if (std::ranges::any_of(values, [](const char *v) { return v != nullptr; }))
-        return values;
-    values.clear();
+    if (keys.any())
+        return keys;
+    keys = {};
     for (const tidl_yfw_datatree &child : children(entry))
         if (child.present_is_key && child.is_key)
-            values.push_back(child.value);
-    return values;
+            keys.add(child.value);
+    return keys;
 }
 
-EntryKeys entry_keys(std::span<const std::string_view> names, std::vector<const char *> values) {
-    values.resize(names.size(), nullptr);
-    return {{names.begin(), names.end()}, std::move(values)};
+// The keys `names` with the values of `input` in order; the missing ones null.
+EntryKeys entry_keys(std::span<const std::string_view> names, const InputKeys &input) {
+    EntryKeys keys;
+    for (std::size_t i = 0; i < names.size(); ++i)
+        keys.add(names[i], i < input.count ? input.values[i] : nullptr);
+    return keys;
 }
 
 // One segment of "/a/b[k=v][k2='w']/": a tag and its predicates.
@@ -157,24 +161,21 @@ std::optional<std::vector<PathStep>> parse_entry_path(std::string_view path) {
     return steps;
 }
 
-// The keys a step asks for, in the list's key order; null on a key the list lacks.
-std::optional<EntryKeys> step_keys(const PathStep &step, std::string_view schema) {
-    auto keys = yfw::list_keys(schema);
+// The keys a step asks for, in the list's key order; null on a key the list
+// lacks, or on more predicates than a list has keys.
+std::optional<EntryKeys> step_keys(const PathStep &step,
+                                   std::span<const std::string_view> keys) {
+    EntryKeys wanted;
     if (keys.empty()) {
-        EntryKeys wanted;
-        for (const auto &[name, value] : step.predicates) {
-            wanted.names.push_back(name);
-            wanted.values.push_back(value.c_str());
-        }
+        for (const auto &[name, value] : step.predicates)
+            if (!wanted.add(name, value.c_str()))
+                return std::nullopt;
         return wanted;
     }
-    EntryKeys wanted = entry_keys(keys, {});
-    for (const auto &[name, value] : step.predicates) {
-        auto it = std::ranges::find(keys, name);
-        if (it == keys.end())
+    wanted = entry_keys(keys, {});
+    for (const auto &[name, value] : step.predicates)
+        if (!wanted.set(name, value.c_str()))
             return std::nullopt;
-        wanted.values[static_cast<std::size_t>(it - keys.begin())] = value.c_str();
-    }
     return wanted;
 }
 
@@ -234,48 +235,46 @@ cerrno yfw_map_auto_stitch_list_to_list(yfw_map_ctx *ctx, const tidl_yfw_datatre
                                         const char *const *path_components,
                                         uint32_t component_count) {
     yfw_map_session *session = session_of(ctx);
-    Segments joined;
-    if (session == nullptr || input_node == nullptr || out_tree == nullptr ||
-        !join_components(path_components, component_count, joined))
-        return YFW_ERR_INVALID_ARGS;
-    const Segments *segments = &joined;
-
-    // Which segments are lists; the last one must be.
-    std::vector<std::size_t> list_at;
-    std::vector<std::string> list_paths;
-    std::string schema;
-    for (std::size_t i = 0; i < segments->size(); ++i) {
-        schema.append("/").append((*segments)[i]);
-        if (!yfw::list_keys(schema).empty()) {
-            list_at.push_back(i);
-            list_paths.push_back(schema);
-        }
-    }
-    if (list_at.empty() || list_at.back() + 1 != segments->size())
+    const AddPath *path = session != nullptr && input_node != nullptr && out_tree != nullptr
+                              ? joined_path(path_components, component_count)
+                              : nullptr;
+    // The last segment must be a list.
+    if (path == nullptr || path->innermost + 1 != path->segments.size())
         return YFW_ERR_INVALID_ARGS;
 
-    std::vector<const char *> own = input_key_values(*session, input_node);
-    if (std::ranges::none_of(own, [](const char *v) { return v != nullptr; }))
+    const InputKeys own = input_key_values(*session, input_node);
+    if (!own.any())
         return YFW_MAP_SKIP_NODE;
 
-    // Enclosing output lists take the entries of the open output lists, innermost last.
-    std::vector<const tidl_yfw_datatree *> open;
-    for (const OutputListFrame &frame : session->output_lists)
-        if (frame.entry != input_node)
-            open.push_back(frame.entry);
-    std::vector<EntryKeys> keys(list_at.size());
-    std::vector<const EntryKeys *> wanted(segments->size(), nullptr);
-    const std::size_t innermost = list_at.size() - 1;
-    for (std::size_t j = 0; j < list_at.size(); ++j) {
-        const auto names = yfw::list_keys(list_paths[j]);
-        if (j == innermost)
-            keys[j] = entry_keys(names, own);
-        else if (const std::size_t outward = innermost - j; outward <= open.size())
-            keys[j] = entry_keys(names, input_key_values(*session, open[open.size() - outward]));
-        wanted[list_at[j]] = &keys[j];
+    // Enclosing output lists take the entries of the open output lists,
+    // innermost last: the n-th list outward from the path's own takes the n-th
+    // open entry inward from the last.
+    std::array<EntryKeys, AddMemo::kLevels> keys;
+    std::array<const EntryKeys *, AddMemo::kLevels> wanted{};
+    if (path->segments.size() > wanted.size())
+        return YFW_ERR_INVALID_ARGS;
+    auto open = session->output_lists.rbegin();
+    for (std::size_t i = path->segments.size(); i-- > 0;) {
+        const auto names = path->keys_at[i];
+        if (names.empty())
+            continue;
+        if (i == path->innermost) {
+            keys[i] = entry_keys(names, own);
+        } else {
+            while (open != session->output_lists.rend() && open->entry == input_node)
+                ++open;
+            if (open == session->output_lists.rend())
+                continue;
+            keys[i] = entry_keys(names, input_key_values(*session, open->entry));
+            ++open;
+        }
+        wanted[i] = &keys[i];
     }
     Editor editor(*session->home, namespace_);
-    note_add(*session, out_tree, editor.place(out_tree, *segments, wanted), nullptr, nullptr);
+    note_add(*session, out_tree,
+             editor.place(out_tree, path->segments, path->keys_at,
+                          std::span(wanted).first(path->segments.size())),
+             nullptr, nullptr);
     return YFW_SUCCESS;
 }
 
@@ -292,25 +291,27 @@ cerrno yfw_map_stitch_container_to_list(yfw_map_ctx *ctx, yfw_map_stitch_record 
         return YFW_ERR_INVALID_ARGS;
 
     std::vector<std::string_view> segments;
+    std::vector<std::span<const std::string_view>> keys_at;
     std::vector<EntryKeys> keys;
     keys.reserve(steps->size());
     std::vector<const EntryKeys *> wanted;
-    std::string schema;
+    SchemaHash hash;
     for (const PathStep &step : *steps) {
         segments.push_back(step.tag);
-        schema.append("/").append(step.tag);
+        hash.add_segment(step.tag);
+        keys_at.push_back(list_keys_hashed(hash.value, segments));
         const EntryKeys *entry = nullptr;
         if (!step.predicates.empty()) {
-            auto asked = step_keys(step, schema);
+            auto asked = step_keys(step, keys_at.back());
             if (!asked)
                 return YFW_ERR_INVALID_ARGS;
-            entry = &keys.emplace_back(std::move(*asked));
+            entry = &keys.emplace_back(*asked);
         }
         wanted.push_back(entry);
     }
     Editor editor(*session->home, ns_length != 0 ? record->namespace_ : nullptr);
-    note_add(*session, record->out_tree, editor.place(record->out_tree, segments, wanted), nullptr,
-             nullptr);
+    note_add(*session, record->out_tree, editor.place(record->out_tree, segments, keys_at, wanted),
+             nullptr, nullptr);
     return YFW_SUCCESS;
 }
 

@@ -79,7 +79,7 @@ const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yf
     const std::size_t depth = session.depth_of(entry);
     if (depth == kNoDepth)
         return nullptr;
-    auto keys = yfw::list_keys(session.hierarchy_path(depth));
+    auto keys = session.hierarchy_keys(depth);
     return keys.empty() ? nullptr : child_with_tag(entry, keys.front());
 }
 
@@ -92,7 +92,7 @@ OpenEntry open_entry(yfw_map_session &session, const tidl_yfw_datatree *entry) {
         if (child.present_is_key && child.is_key && child.tag != nullptr)
             open.add(child.tag, child.value);
     if (const std::size_t depth = session.depth_of(entry); open.count == 0 && depth != kNoDepth) {
-        for (std::string_view key : yfw::list_keys(session.hierarchy_path(depth))) {
+        for (std::string_view key : session.hierarchy_keys(depth)) {
             const tidl_yfw_datatree *leaf = child_with_tag(entry, key);
             open.add(key, leaf != nullptr ? leaf->value : nullptr);
         }
