@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstdio>
 #include <vector>
 
 #include "tree_text.hpp"
@@ -431,6 +432,42 @@ TEST(AddPath, MergeFromTheMiddleOfAWideList) {
               "server{address=3 config{port=53} state{port=54}}");
     EXPECT_EQ(fwtest::tree_text(servers.subtrees[19]), "server{address=19 config{port=1}}");
     EXPECT_EQ(fwtest::tree_text(servers.subtrees[20]), "extra=y");
+}
+
+// The adds of one walk reuse the nodes of the previous add; what a host does
+// to the tree between two adds still counts.
+TEST(AddPath, HostEditsBetweenAddsAreSeen) {
+    yfw::Session session(KIND_GET);
+    auto add = [&](const char *path, const char *value) {
+        ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), path, kOc,
+                                                    value, nullptr, nullptr, 0, 0),
+                  YFW_SUCCESS);
+    };
+    add("/banners/banner/banner-name", "login");
+    add("/banners/banner/banner-text", "L");
+    // An entry appended by the host becomes the current one.
+    add_node(session.arena(), &session.output()->subtrees[0], "banner");
+    add("/banners/banner/banner-text", "M");
+    EXPECT_EQ(doc_text(*session.output()),
+              "banners{banner{banner-name=login banner-text=L} banner{banner-text=M}}");
+    // Children dropped by the host are made again.
+    tidl_yfw_datatree &banners = session.output()->subtrees[0];
+    yfw_dt_clear_subtrees(&banners);
+    add("/banners/banner/banner-text", "N");
+    EXPECT_EQ(doc_text(*session.output()), "banners{banner{banner-text=N}}");
+}
+
+// Paths are remembered by their address; a buffer filled anew is read anew.
+TEST(AddPath, ReusedPathBufferIsReadAgain) {
+    yfw::Session session(KIND_GET);
+    char path[64];
+    for (const char *leaf : {"hostname", "domain-name"}) {
+        std::snprintf(path, sizeof path, "/system/config/%s", leaf);
+        ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), path, kOc,
+                                                    "x", nullptr, nullptr, 0, 0),
+                  YFW_SUCCESS);
+    }
+    EXPECT_EQ(doc_text(*session.output()), "system{config{hostname=x domain-name=x}}");
 }
 
 // A large list stays linear: each entry is found through the list's key index.
