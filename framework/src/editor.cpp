@@ -480,8 +480,13 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
     }
     std::size_t remembered = i;
     auto remember = [&](std::size_t level, std::optional<How> way) {
-        if (memo != nullptr && remembered == level && way && level < AddMemo::kLevels)
-            memo->levels[remembered++] = {segments[level], at.node, *way};
+        if (memo != nullptr && remembered == level && way && level < AddMemo::kLevels) {
+            // Field by field: a whole-struct copy through the stack stalls here.
+            AddMemo::Level &kept = memo->levels[remembered++];
+            kept.segment = segments[level];
+            kept.node = at.node;
+            kept.how = *way;
+        }
     };
     auto seal = [&] {
         if (memo == nullptr)
