@@ -121,6 +121,39 @@ std::pmr::memory_resource &chunk_pool() {
     return pool;
 }
 
+// Block headers in chunks of the pooled memory: they never move, and a
+// request's many thousands of them cost neither a heap call each nor fresh
+// pages.
+class BlockStore {
+public:
+    static constexpr std::size_t kChunk = 4096;
+
+    BlockStore() = default;
+    BlockStore(const BlockStore &) = delete;
+    BlockStore &operator=(const BlockStore &) = delete;
+    ~BlockStore() {
+        for (std::size_t i = 0; i < size_; ++i)
+            (*this)[i].~Block();
+        for (Block *chunk : chunks_)
+            chunk_pool().deallocate(chunk, kChunk * sizeof(Block), alignof(Block));
+    }
+
+    Block &emplace_back() {
+        if (size_ == chunks_.size() * kChunk)
+            chunks_.push_back(static_cast<Block *>(
+                chunk_pool().allocate(kChunk * sizeof(Block), alignof(Block))));
+        Block *block = new (&chunks_[size_ / kChunk][size_ % kChunk]) Block();
+        ++size_;
+        return *block;
+    }
+    Block &operator[](std::size_t i) { return chunks_[i / kChunk][i % kChunk]; }
+    std::size_t size() const { return size_; }
+
+private:
+    std::vector<Block *> chunks_;
+    std::size_t size_ = 0;
+};
+
 } // namespace detail
 
 struct Arena::Impl {
@@ -141,7 +174,7 @@ struct Arena::Impl {
     };
     std::array<Recent, 64> recent{};
 
-    std::deque<detail::Block> blocks; // headers stay put; a released one has no nodes
+    detail::BlockStore blocks; // headers stay put; a released one has no nodes
     std::vector<std::unique_ptr<detail::Slab>> slabs;
     detail::Slab *open_slab = nullptr;
     // Released arrays of slabs, by the log2 of their capacity.
