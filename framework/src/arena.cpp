@@ -220,7 +220,8 @@ struct SlabIndex {
             }
         }
         const auto at = reinterpret_cast<std::uintptr_t>(node);
-        auto it = std::ranges::upper_bound(by_start, at, {}, &std::pair<std::uintptr_t, Slab *>::first);
+        auto it =
+            std::ranges::upper_bound(by_start, at, {}, &std::pair<std::uintptr_t, Slab *>::first);
         if (it == by_start.begin())
             return nullptr;
         Slab *slab = std::prev(it)->second;
@@ -232,12 +233,14 @@ struct SlabIndex {
     }
     void add(Slab &slab) {
         const auto start = reinterpret_cast<std::uintptr_t>(slab.nodes.get());
-        auto it = std::ranges::upper_bound(by_start, start, {}, &std::pair<std::uintptr_t, Slab *>::first);
+        auto it = std::ranges::upper_bound(by_start, start, {},
+                                           &std::pair<std::uintptr_t, Slab *>::first);
         by_start.insert(it, {start, &slab});
     }
     void remove(const Slab &slab) {
         const auto start = reinterpret_cast<std::uintptr_t>(slab.nodes.get());
-        auto it = std::ranges::lower_bound(by_start, start, {}, &std::pair<std::uintptr_t, Slab *>::first);
+        auto it = std::ranges::lower_bound(by_start, start, {},
+                                           &std::pair<std::uintptr_t, Slab *>::first);
         if (it != by_start.end() && it->first == start)
             by_start.erase(it);
         std::ranges::replace(recent, &slab, nullptr);

@@ -272,17 +272,16 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
         KeyValues wanted;
         for (const char *value : values)
             wanted.push_back(value);
-        found = list->by_key.find(wanted.hash(), [&](uint32_t at) {
-            return entry_has(parent, at, tag, names, wanted);
-        });
+        found = list->by_key.find(
+            wanted.hash(), [&](uint32_t at) { return entry_has(parent, at, tag, names, wanted); });
     } else if (list != nullptr) {
         auto kids = children(parent);
         for (uint32_t i = 0; i < kids.size() && found == kNone; ++i) {
             bool match = has_tag(kids[i], tag);
             for (std::size_t k = 0; match && k < names.size(); ++k) {
                 const tidl_yfw_datatree *leaf = find_child(&kids[i], names[k]);
-                match = values[k] == nullptr ||
-                        (leaf != nullptr && same_text(leaf->value, values[k]));
+                match =
+                    values[k] == nullptr || (leaf != nullptr && same_text(leaf->value, values[k]));
             }
             if (match)
                 found = i;
@@ -430,8 +429,8 @@ void Editor::merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, st
     release_children(from);
 }
 
-Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *value,
-                   bool list_entry, const OpenEntry *open, bool augment, AddMemo *memo) {
+Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *value, bool list_entry,
+                   const OpenEntry *open, bool augment, AddMemo *memo) {
     using How = AddMemo::How;
     const Segments &segments = path.segments;
     const std::size_t count = segments.size();
@@ -452,7 +451,8 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
     auto how = [&](std::size_t i) -> std::optional<How> {
         const bool last = i + 1 == count;
         if (keys_at(i).empty()) {
-            const bool key_leaf = last && i > 0 && !keys_at(i - 1).empty() && is_key_of(i - 1, segments[i]);
+            const bool key_leaf =
+                last && i > 0 && !keys_at(i - 1).empty() && is_key_of(i - 1, segments[i]);
             if (key_leaf || (last && list_entry && value != nullptr))
                 return std::nullopt;
             return How::Child;
@@ -577,8 +577,7 @@ Placed Editor::place(tidl_yfw_datatree *tree, std::span<const std::string_view> 
     Placed at{tree, nullptr};
     for (std::size_t i = 0; i < segments.size(); ++i) {
         const std::string_view segment = segments[i];
-        const auto keys =
-            tree->tag == nullptr ? keys_at[i] : std::span<const std::string_view>();
+        const auto keys = tree->tag == nullptr ? keys_at[i] : std::span<const std::string_view>();
         uint32_t entry = kNone;
         if (i < wanted.size() && wanted[i] != nullptr && wanted[i]->any())
             entry = entry_with_keys(at.node, segment, wanted[i]->names(), wanted[i]->values());

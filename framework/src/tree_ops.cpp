@@ -163,8 +163,7 @@ std::optional<std::vector<PathStep>> parse_entry_path(std::string_view path) {
 
 // The keys a step asks for, in the list's key order; null on a key the list
 // lacks, or on more predicates than a list has keys.
-std::optional<EntryKeys> step_keys(const PathStep &step,
-                                   std::span<const std::string_view> keys) {
+std::optional<EntryKeys> step_keys(const PathStep &step, std::span<const std::string_view> keys) {
     EntryKeys wanted;
     if (keys.empty()) {
         for (const auto &[name, value] : step.predicates)

@@ -463,8 +463,8 @@ TEST(AddPath, ReusedPathBufferIsReadAgain) {
     char path[64];
     for (const char *leaf : {"hostname", "domain-name"}) {
         std::snprintf(path, sizeof path, "/system/config/%s", leaf);
-        ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), path, kOc,
-                                                    "x", nullptr, nullptr, 0, 0),
+        ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), path, kOc, "x",
+                                                    nullptr, nullptr, 0, 0),
                   YFW_SUCCESS);
     }
     EXPECT_EQ(doc_text(*session.output()), "system{config{hostname=x domain-name=x}}");
