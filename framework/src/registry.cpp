@@ -293,18 +293,8 @@ std::span<const std::string_view> list_keys_hashed(uint64_t hash,
 } // namespace detail
 
 std::span<const std::string_view> list_keys(std::string_view schema_path) {
-    // Paths built by the framework are normalized already; skip the copy for them.
-    detail::SchemaHash hash;
-    bool normalized = schema_path.starts_with('/') && !schema_path.ends_with('/');
-    char previous = '\0';
-    for (char c : schema_path) {
-        normalized = normalized && c != ':' && !(c == '/' && previous == '/');
-        previous = c;
-        hash.add(c);
-    }
-    if (normalized)
-        return detail::list_keys_hashed(hash.value, schema_path);
-    const std::string path = detail::normalize_path(schema_path);
+    std::string scratch;
+    const std::string_view path = detail::normalized_path(schema_path, scratch);
     return detail::list_keys_hashed(hash_of(path), path);
 }
 
