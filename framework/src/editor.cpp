@@ -134,10 +134,7 @@ tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view
 }
 
 void Editor::set_current(ListState &list, uint32_t entry) {
-    if (list.current != entry) {
-        list.current = entry;
-        note_reshape();
-    }
+    list.current = entry;
 }
 
 tidl_yfw_datatree *Editor::move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node) {
@@ -250,15 +247,16 @@ bool Editor::entry_has(tidl_yfw_datatree *parent, uint32_t at, std::string_view 
     return true;
 }
 
-uint32_t Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
-                               std::span<const std::string_view> keys, bool fresh) {
+ListEntry Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                                std::span<const std::string_view> keys, bool fresh) {
     if (ListState *list = list_state(parent, tag, keys); list && list->current != kNone) {
         if (!fresh || !has_keys(&parent->subtrees[list->current], keys))
-            return list->current;
+            return {list->current, list};
     }
     const uint32_t made = position(parent, new_child(parent, tag, ns_, nullptr));
-    set_current(*list_state(parent, tag, keys), made);
-    return made;
+    ListState *list = list_state(parent, tag, keys);
+    set_current(*list, made);
+    return {made, list};
 }
 
 uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
@@ -303,8 +301,8 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
     return found;
 }
 
-uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
-                            std::span<const std::string_view> keys, const OpenEntry &open) {
+ListEntry Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                             std::span<const std::string_view> keys, const OpenEntry &open) {
     ListState *list = list_state(parent, tag, keys);
     // Its entry is current already: the common case, with no keys to gather.
     if (list != nullptr && list->bound_to == open.serial)
@@ -322,8 +320,9 @@ uint32_t Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
         entry = list->current; // formed by the list mapper, its key still to come
     else
         entry = entry_with_keys(parent, tag, keys, wanted.values());
-    list_state(parent, tag, keys)->bound_to = open.serial;
-    return entry;
+    list = list_state(parent, tag, keys);
+    list->bound_to = open.serial;
+    return {entry, list};
 }
 
 Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
@@ -467,32 +466,40 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
     const uint64_t serial = open != nullptr ? open->serial : 0;
     Placed at{tree, nullptr};
     std::size_t i = 0;
-    if (memo != nullptr && memo->tree == tree && memo->reshapes == reshapes &&
-        memo->open_serial == serial) {
+    if (memo != nullptr && memo->tree == tree && memo->reshapes == reshapes) {
         for (; i < memo->depth && i < count; ++i) {
             const AddMemo::Level &level = memo->levels[i];
-            const auto kids = children(at.node);
-            if (level.segment.data() != segments[i].data() || level.how != how(i) ||
-                level.node < kids.data() || level.node >= kids.data() + kids.size())
+            const std::optional<How> way = how(i);
+            if (level.segment.data() != segments[i].data() || !way ||
+                level.position >= at.node->subtree_count ||
+                (level.list == nullptr) != (*way == How::Child))
                 break;
-            at = {level.node, at.node};
+            if (ListState *list = level.list) {
+                // The entry stays while the list keeps it current; an open
+                // output list takes it once bound to it.
+                if (list->current != level.position ||
+                    (*way == How::Open && list->bound_to != serial))
+                    break;
+                if (*way == How::Bind)
+                    list->bound_to = serial;
+            }
+            at = {&at.node->subtrees[level.position], at.node};
         }
     }
     std::size_t remembered = i;
-    auto remember = [&](std::size_t level, std::optional<How> way) {
+    auto remember = [&](std::size_t level, std::optional<How> way, ListState *list) {
         if (memo != nullptr && remembered == level && way && level < AddMemo::kLevels) {
             // Field by field: a whole-struct copy through the stack stalls here.
             AddMemo::Level &kept = memo->levels[remembered++];
             kept.segment = segments[level];
-            kept.node = at.node;
-            kept.how = *way;
+            kept.list = list;
+            kept.position = position(at.parent, at.node);
         }
     };
     auto seal = [&] {
         if (memo == nullptr)
             return;
         memo->tree = tree;
-        memo->open_serial = serial;
         memo->reshapes = reshapes;
         memo->depth = remembered;
     };
@@ -507,16 +514,16 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         const char *ns = i < base_depth ? base_ns : ns_;
         const std::optional<How> way = how(i);
         if (const auto keys = keys_at(i); !keys.empty()) {
-            uint32_t entry;
+            ListEntry entry;
             if (way == How::Open) {
                 entry = open_entry(at.node, segment, keys, *open);
             } else {
                 entry = current_entry(at.node, segment, keys, last && list_entry);
                 if (way == How::Bind)
-                    list_state(at.node, segment, keys)->bound_to = open->serial;
+                    entry.list->bound_to = open->serial;
             }
-            at = {&at.node->subtrees[entry], at.node};
-            remember(i, way);
+            at = {&at.node->subtrees[entry.position], at.node};
+            remember(i, way, entry.list);
             continue;
         }
         if (last && i > 0 && at.parent != nullptr && !keys_at(i - 1).empty() &&
@@ -542,7 +549,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
             made_leaf = last;
         }
         at = {next, at.node};
-        remember(i, way);
+        remember(i, way, nullptr);
     }
     seal();
     if (value != nullptr && !made_leaf)
@@ -582,7 +589,7 @@ Placed Editor::place(tidl_yfw_datatree *tree, std::span<const std::string_view> 
         if (i < wanted.size() && wanted[i] != nullptr && wanted[i]->any())
             entry = entry_with_keys(at.node, segment, wanted[i]->names(), wanted[i]->values());
         else if (!keys.empty())
-            entry = current_entry(at.node, segment, keys, false);
+            entry = current_entry(at.node, segment, keys, false).position;
         tidl_yfw_datatree *next =
             entry != kNone ? &at.node->subtrees[entry] : find_child(at.node, segment);
         at = {next != nullptr ? next : new_child(at.node, segment, ns_, nullptr), at.node};

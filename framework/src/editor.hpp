@@ -12,6 +12,12 @@ struct Placed {
     tidl_yfw_datatree *parent = nullptr;
 };
 
+// An entry of a list, by position, and the state of its list.
+struct ListEntry {
+    uint32_t position;
+    ListState *list;
+};
+
 // Key values wanted for one list entry: `names()[i]` has `values()[i]`
 // (null: any). Holds as many as a list has keys.
 class EntryKeys {
@@ -103,13 +109,13 @@ private:
     // Whether child `at` of `parent` is an entry of list `tag` with these keys.
     bool entry_has(tidl_yfw_datatree *parent, uint32_t at, std::string_view tag,
                    std::span<const std::string_view> keys, const KeyValues &values);
-    uint32_t current_entry(tidl_yfw_datatree *parent, std::string_view tag,
-                           std::span<const std::string_view> keys, bool fresh);
+    ListEntry current_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                            std::span<const std::string_view> keys, bool fresh);
     uint32_t entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
                              std::span<const std::string_view> names,
                              std::span<const char *const> values);
-    uint32_t open_entry(tidl_yfw_datatree *parent, std::string_view tag,
-                        std::span<const std::string_view> keys, const OpenEntry &open);
+    ListEntry open_entry(tidl_yfw_datatree *parent, std::string_view tag,
+                         std::span<const std::string_view> keys, const OpenEntry &open);
     Placed set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
                    std::string_view schema, std::span<const std::string_view> keys,
                    std::string_view key, const char *value);

@@ -137,10 +137,10 @@ bool well_formed_path(std::string_view path);
 
 // ---- Node arrays -----------------------------------------------------------
 
-// Counts the edits after which a path may lead elsewhere: a list entry made
-// current, nodes removed, or arrays copied, dropped or appended to by a host.
-// A remembered resolution of a path holds while the count stays. One thread
-// uses the framework.
+// Counts the edits after which a path may lead elsewhere: nodes removed, or
+// arrays copied, dropped or appended to by a host. A remembered resolution of
+// a path holds while the count stays (a change of current list entry is
+// checked at the list itself). One thread uses the framework.
 inline uint64_t reshapes = 0;
 inline void note_reshape() {
     ++reshapes;
@@ -384,16 +384,17 @@ void fix_parents(Block &block, uint32_t from, uint32_t to);
 // The nodes that the last add went through, for the next add on the same
 // tree: most adds are leaves of the entry that the previous add reached, and
 // take its nodes without resolving the shared beginning of the path again.
+// Positions, not pointers, so that an array that grew keeps its levels; a
+// list level holds while its list keeps that entry current.
 struct AddMemo {
     enum class How : uint8_t { Child, Current, Open, Bind };
     struct Level {
         std::string_view segment; // interned
-        tidl_yfw_datatree *node;
-        How how;
+        ListState *list;          // null for a child level
+        uint32_t position;
     };
     static constexpr std::size_t kLevels = 24;
     const tidl_yfw_datatree *tree = nullptr;
-    uint64_t open_serial = 0;
     uint64_t reshapes = 0;
     std::size_t depth = 0;
     std::array<Level, kLevels> levels{};
