@@ -92,6 +92,7 @@ const AddPath &add_path(uintptr_t identity, std::string_view text) {
     split_path(text, split);
     path.keys_at.assign(split.size(), {});
     path.innermost = kNoDepth;
+    path.ends_in_key = false;
     SchemaHash hash;
     for (std::size_t i = 0; i < split.size(); ++i) {
         path.segments.push_back(interned_segment(split[i]));
@@ -100,6 +101,9 @@ const AddPath &add_path(uintptr_t identity, std::string_view text) {
         if (!path.keys_at[i].empty())
             path.innermost = i;
     }
+    if (const std::size_t n = split.size(); n >= 2 && path.keys_at[n - 1].empty())
+        path.ends_in_key =
+            std::ranges::find(path.keys_at[n - 2], split[n - 1]) != path.keys_at[n - 2].end();
     return path;
 }
 
@@ -325,9 +329,11 @@ ListEntry Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
     return {entry, list};
 }
 
-Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
-                       std::string_view schema, std::span<const std::string_view> keys,
-                       std::string_view key, const char *value) {
+Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
+                       std::span<const std::string_view> list_path,
+                       std::span<const std::string_view> keys, std::string_view key,
+                       const char *value) {
+    const std::string_view list_tag = list_path.back();
     ListState &list = *list_state(parent, list_tag, keys); // first: it may move the array
     tidl_yfw_datatree *node = &parent->subtrees[entry];
     tidl_yfw_datatree *leaf = find_child(node, key);
@@ -365,7 +371,9 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_vi
         return {leaf, node};
 
     // The keys now equal those of an earlier entry: that entry takes this one in.
-    std::string entry_schema(schema);
+    std::string entry_schema;
+    for (std::string_view step : list_path)
+        entry_schema.append("/").append(step);
     merge_children(&parent->subtrees[kept_entry], node, entry_schema);
     if (node->present_operation)
         yfw_dt_set_operation(&parent->subtrees[kept_entry], node->operation);
@@ -437,22 +445,18 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
     auto keys_at = [&](std::size_t i) {
         return by_schema ? path.keys_at[i] : std::span<const std::string_view>();
     };
-    auto is_key_of = [&](std::size_t list, std::string_view segment) {
-        return std::ranges::find(keys_at(list), segment) != keys_at(list).end();
-    };
+    const bool ends_in_key = by_schema && path.ends_in_key;
     const std::size_t innermost = by_schema ? path.innermost : kNoDepth;
     // An add that sets a list's key picks the entry by that value.
     auto sets_key = [&](std::size_t i) {
-        return i + 2 == count && value != nullptr && is_key_of(i, segments[i + 1]);
+        return i + 2 == count && value != nullptr && ends_in_key;
     };
     // How segment `i` resolves, when it resolves the same way whenever the
     // tree has not been reshaped since: then a memo of it can stand in.
     auto how = [&](std::size_t i) -> std::optional<How> {
         const bool last = i + 1 == count;
         if (keys_at(i).empty()) {
-            const bool key_leaf =
-                last && i > 0 && !keys_at(i - 1).empty() && is_key_of(i - 1, segments[i]);
-            if (key_leaf || (last && list_entry && value != nullptr))
+            if (last && (ends_in_key || (list_entry && value != nullptr)))
                 return std::nullopt;
             return How::Child;
         }
@@ -526,14 +530,9 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
             remember(i, way, entry.list);
             continue;
         }
-        if (last && i > 0 && at.parent != nullptr && !keys_at(i - 1).empty() &&
-            is_key_of(i - 1, segment)) {
-            std::string schema;
-            for (std::string_view step : std::span(segments).first(i))
-                schema.append("/").append(step);
-            // An entry that set_key reshapes is not taken again from the memo.
+        if (last && ends_in_key && at.parent != nullptr) {
             seal();
-            return set_key(at.parent, position(at.parent, at.node), segments[i - 1], schema,
+            return set_key(at.parent, position(at.parent, at.node), std::span(segments).first(i),
                            keys_at(i - 1), segment, value);
         }
         tidl_yfw_datatree *next = nullptr;

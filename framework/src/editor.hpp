@@ -56,6 +56,7 @@ struct AddPath {
     Segments segments;
     std::vector<std::span<const std::string_view>> keys_at; // empty: no list
     std::size_t innermost = kNoDepth;                       // the last list segment
+    bool ends_in_key = false; // the last segment is a key of the list before it
 };
 // The path for `text`, remembered under `identity` (the caller's pointer, or
 // a mix of pointers for a path given in pieces) and checked against the text.
@@ -116,9 +117,10 @@ private:
                              std::span<const char *const> values);
     ListEntry open_entry(tidl_yfw_datatree *parent, std::string_view tag,
                          std::span<const std::string_view> keys, const OpenEntry &open);
-    Placed set_key(tidl_yfw_datatree *parent, uint32_t entry, std::string_view list_tag,
-                   std::string_view schema, std::span<const std::string_view> keys,
-                   std::string_view key, const char *value);
+    // Sets key `key` of entry `entry` of the list at `list_path`.
+    Placed set_key(tidl_yfw_datatree *parent, uint32_t entry,
+                   std::span<const std::string_view> list_path,
+                   std::span<const std::string_view> keys, std::string_view key, const char *value);
     void merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, std::string &schema);
     tidl_yfw_datatree *merge_target(tidl_yfw_datatree *into, tidl_yfw_datatree *from,
                                     const tidl_yfw_datatree &child);
