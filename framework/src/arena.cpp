@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstring>
 #include <list>
+#include <utility>
 
 #include "internal.hpp"
 
@@ -121,37 +122,46 @@ std::pmr::memory_resource &chunk_pool() {
     return pool;
 }
 
-// Block headers in chunks of the pooled memory: they never move, and a
-// request's many thousands of them cost neither a heap call each nor fresh
-// pages.
-class BlockStore {
+// Objects in chunks of the pooled memory: they never move, and a request's
+// many thousands of them cost neither a heap call each nor fresh pages. One
+// given back is reset and handed out again.
+template <typename T, std::size_t kChunk> class ChunkStore {
 public:
-    static constexpr std::size_t kChunk = 4096;
-
-    BlockStore() = default;
-    BlockStore(const BlockStore &) = delete;
-    BlockStore &operator=(const BlockStore &) = delete;
-    ~BlockStore() {
+    ChunkStore() = default;
+    ChunkStore(const ChunkStore &) = delete;
+    ChunkStore &operator=(const ChunkStore &) = delete;
+    ~ChunkStore() {
         for (std::size_t i = 0; i < size_; ++i)
-            (*this)[i].~Block();
-        for (Block *chunk : chunks_)
-            chunk_pool().deallocate(chunk, kChunk * sizeof(Block), alignof(Block));
+            (*this)[i].~T();
+        for (T *chunk : chunks_)
+            chunk_pool().deallocate(chunk, kChunk * sizeof(T), alignof(T));
     }
-
-    Block &emplace_back() {
+    T &emplace_back() {
         if (size_ == chunks_.size() * kChunk)
-            chunks_.push_back(static_cast<Block *>(
-                chunk_pool().allocate(kChunk * sizeof(Block), alignof(Block))));
-        Block *block = new (&chunks_[size_ / kChunk][size_ % kChunk]) Block();
+            chunks_.push_back(
+                static_cast<T *>(chunk_pool().allocate(kChunk * sizeof(T), alignof(T))));
+        T *made = new (&chunks_[size_ / kChunk][size_ % kChunk]) T();
         ++size_;
-        return *block;
+        return *made;
     }
-    Block &operator[](std::size_t i) { return chunks_[i / kChunk][i % kChunk]; }
+    T &take() {
+        if (given_.empty())
+            return emplace_back();
+        T &reused = *given_.back();
+        given_.pop_back();
+        return reused;
+    }
+    void give(T &object) {
+        object = T{};
+        given_.push_back(&object);
+    }
+    T &operator[](std::size_t i) { return chunks_[i / kChunk][i % kChunk]; }
     std::size_t size() const { return size_; }
 
 private:
-    std::vector<Block *> chunks_;
+    std::vector<T *> chunks_;
     std::size_t size_ = 0;
+    std::vector<T *> given_;
 };
 
 } // namespace detail
@@ -174,7 +184,10 @@ struct Arena::Impl {
     };
     std::array<Recent, 64> recent{};
 
-    detail::BlockStore blocks; // headers stay put; a released one has no nodes
+    // Headers stay put; a released one has no nodes.
+    detail::ChunkStore<detail::Block, 4096> blocks;
+    // Of the blocks whose children were looked up by tag or by key.
+    detail::ChunkStore<detail::Lookups, 1024> lookups;
     std::vector<std::unique_ptr<detail::Slab>> slabs;
     detail::Slab *open_slab = nullptr;
     // Released arrays of slabs, by the log2 of their capacity.
@@ -315,6 +328,17 @@ void grow(Block &block, uint32_t live, uint32_t needed) {
 void fail_assert(const char *what) {
     std::fprintf(stderr, "yfw stand-in: assertion failed: %s\n", what);
     std::abort();
+}
+
+Lookups &Block::lookup() {
+    if (lookups == nullptr)
+        lookups = &arena->lookups.take();
+    return *lookups;
+}
+
+void Block::forget_lookups() {
+    if (lookups != nullptr)
+        arena->lookups.give(*std::exchange(lookups, nullptr));
 }
 
 Block *block_containing(const tidl_yfw_datatree *node) {

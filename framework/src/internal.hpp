@@ -344,15 +344,11 @@ struct Block {
     uint32_t index = 0;                        // among the blocks of its arena
     const tidl_yfw_datatree *parent = nullptr; // null for a root
     Arena::Impl *arena = nullptr;
-    std::unique_ptr<Lookups> lookups; // most arrays never need one
+    Lookups *lookups = nullptr; // the arena's; most arrays never need one
 
-    Lookups &lookup() {
-        if (!lookups)
-            lookups = std::make_unique<Lookups>();
-        return *lookups;
-    }
-    bool tag_indexed() const { return lookups && lookups->tag_index_built; }
-    void forget_lookups() { lookups.reset(); }
+    Lookups &lookup();
+    bool tag_indexed() const { return lookups != nullptr && lookups->tag_index_built; }
+    void forget_lookups();
 };
 
 // The process-wide index from array address to its block (for parent_of).
