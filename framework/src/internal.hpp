@@ -455,6 +455,13 @@ struct yfw_map_session {
         uint64_t serial;
     };
     yfw::detail::TextMap<CurrentRecord> current_lists;
+    struct ListPath {
+        const char *source = nullptr;
+        std::string text;
+        std::string_view last; // its last segment
+        CurrentRecord *record = nullptr;
+    };
+    std::array<ListPath, 8> list_paths;
 
     yfw::detail::AddMemo add_memo;
 

@@ -130,22 +130,33 @@ void yfw_map_remove_from_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatre
 
 cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
     yfw_map_session *session = session_of(ctx);
-    if (session == nullptr || path == nullptr || !well_formed_path(path))
+    if (session == nullptr || path == nullptr)
         return YFW_ERR_INVALID_ARGS;
+    // Walkers name the same few list paths entry after entry: what a text
+    // resolved to is kept by its pointer, and holds while the text is the same.
+    auto &slot = session->list_paths[(reinterpret_cast<uintptr_t>(path) >> 3) %
+                                     session->list_paths.size()];
+    if (slot.source != path || slot.text != path) {
+        if (!well_formed_path(path))
+            return YFW_ERR_INVALID_ARGS;
+        std::string scratch;
+        const std::string_view normalized = normalized_path(path, scratch);
+        auto it = session->current_lists.find(normalized);
+        if (it == session->current_lists.end())
+            it = session->current_lists.emplace(normalized, yfw_map_session::CurrentRecord{})
+                     .first;
+        slot.source = path;
+        slot.text = path;
+        slot.last = split_path(slot.text).back();
+        slot.record = &it->second;
+    }
     if (session->hierarchy.empty())
         return YFW_ERR_BAD_TREE;
     // In a walk-all pass the top is an ancestor of the list: nothing to record then.
-    const auto segments = split_path(path);
     const HierarchyFrame &top = session->hierarchy.back();
-    if (segments.empty() || top.node->tag == nullptr || segments.back() != top.node->tag)
+    if (top.node->tag == nullptr || slot.last != top.node->tag)
         return YFW_SUCCESS;
-    const yfw_map_session::CurrentRecord record{session->hierarchy.size() - 1, top.serial};
-    std::string scratch;
-    const std::string_view normalized = normalized_path(path, scratch);
-    if (auto it = session->current_lists.find(normalized); it != session->current_lists.end())
-        it->second = record;
-    else
-        session->current_lists.emplace(normalized, record);
+    *slot.record = {session->hierarchy.size() - 1, top.serial};
     return YFW_SUCCESS;
 }
 
