@@ -330,6 +330,9 @@ void fail_assert(const char *what) {
     std::abort();
 }
 
+// Blocks end with their arena only.
+uint64_t arenas_ended = 0;
+
 Lookups &Block::lookup() {
     if (lookups == nullptr)
         lookups = &arena->lookups.take();
@@ -354,8 +357,23 @@ Block *block_containing(const tidl_yfw_datatree *node) {
 }
 
 Block *block_starting_at(const tidl_yfw_datatree *array) {
+    // A walk asks for the same few arrays again and again. A block outlives
+    // its arrays, so a remembered one holds while no arena has ended and it
+    // still starts there.
+    struct Seen {
+        const tidl_yfw_datatree *array = nullptr;
+        Block *block = nullptr;
+        uint64_t arenas_ended = 0;
+    };
+    static std::array<Seen, 32> seen;
+    Seen &slot = seen[(reinterpret_cast<std::uintptr_t>(array) >> 6) % seen.size()];
+    if (slot.array == array && slot.arenas_ended == arenas_ended && slot.block->nodes == array)
+        return slot.block;
     Block *block = block_containing(array);
-    return block != nullptr && block->nodes == array ? block : nullptr;
+    if (block == nullptr || block->nodes != array)
+        return nullptr;
+    slot = {array, block, arenas_ended};
+    return block;
 }
 
 Arena::Impl *arena_of(const tidl_yfw_datatree *node) {
@@ -542,6 +560,7 @@ bool well_formed_path(std::string_view path) {
 
 Arena::Impl::~Impl() {
     detail::note_reshape();
+    ++detail::arenas_ended;
     for (const auto &slab : slabs) {
         if (slab->nodes) {
             detail::slab_index().remove(*slab);

@@ -134,8 +134,8 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
         return YFW_ERR_INVALID_ARGS;
     // Walkers name the same few list paths entry after entry: what a text
     // resolved to is kept by its pointer, and holds while the text is the same.
-    auto &slot = session->list_paths[(reinterpret_cast<uintptr_t>(path) >> 3) %
-                                     session->list_paths.size()];
+    auto &slot =
+        session->list_paths[(reinterpret_cast<uintptr_t>(path) >> 3) % session->list_paths.size()];
     if (slot.source != path || slot.text != path) {
         if (!well_formed_path(path))
             return YFW_ERR_INVALID_ARGS;
@@ -143,8 +143,7 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
         const std::string_view normalized = normalized_path(path, scratch);
         auto it = session->current_lists.find(normalized);
         if (it == session->current_lists.end())
-            it = session->current_lists.emplace(normalized, yfw_map_session::CurrentRecord{})
-                     .first;
+            it = session->current_lists.emplace(normalized, yfw_map_session::CurrentRecord{}).first;
         slot.source = path;
         slot.text = path;
         slot.last = split_path(slot.text).back();
