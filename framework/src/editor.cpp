@@ -51,13 +51,46 @@ std::size_t count_tag(const tidl_yfw_datatree *parent, std::string_view tag) {
 }
 
 // Segment texts, one copy each for the life of the process: the schema's
-// names, so the set stays small.
-std::string_view interned_segment(std::string_view text) {
-    static std::unordered_set<std::string, TextHash, std::equal_to<>> texts;
-    auto it = texts.find(text);
-    if (it == texts.end())
-        it = texts.emplace(text).first;
-    return *it;
+// names, so the store stays small. Nodes take them as tags without a copy.
+class SegmentStore {
+public:
+    std::string_view intern(std::string_view text) {
+        if (auto it = index_.find(text); it != index_.end())
+            return *it;
+        if (chunks_.empty() || kChunk - used_ < text.size() + 1) {
+            chunks_.push_back(std::make_unique<char[]>(std::max(kChunk, text.size() + 1)));
+            used_ = 0;
+        }
+        char *copy = chunks_.back().get() + used_;
+        std::memcpy(copy, text.data(), text.size());
+        copy[text.size()] = '\0';
+        used_ += text.size() + 1;
+        return *index_.emplace(copy, text.size()).first;
+    }
+    // Whether `text` is a whole terminated text of the store.
+    bool holds(std::string_view text) const {
+        const char *at = text.data();
+        for (const auto &chunk : chunks_)
+            if (at >= chunk.get() && at < chunk.get() + kChunk)
+                return at[text.size()] == '\0';
+        return false;
+    }
+
+private:
+    static constexpr std::size_t kChunk = 16384;
+    std::unordered_set<std::string_view> index_;
+    std::vector<std::unique_ptr<char[]>> chunks_;
+    std::size_t used_ = 0;
+};
+
+SegmentStore &segments() {
+    static SegmentStore &store = *new SegmentStore;
+    return store;
+}
+
+// A tag or list name for a node array: the text itself when it lasts.
+const char *lasting_text(Arena::Impl &arena, std::string_view text) {
+    return segments().holds(text) ? text.data() : intern(arena, text);
 }
 
 } // namespace
@@ -91,13 +124,20 @@ const AddPath &add_path(uintptr_t identity, std::string_view text) {
     Segments split;
     split_path(text, split);
     path.keys_at.assign(split.size(), {});
+    path.key_names.assign(split.size(), {});
     path.innermost = kNoDepth;
     path.ends_in_key = false;
     SchemaHash hash;
     for (std::size_t i = 0; i < split.size(); ++i) {
-        path.segments.push_back(interned_segment(split[i]));
+        path.segments.push_back(segments().intern(split[i]));
         hash.add_segment(split[i]);
-        path.keys_at[i] = list_keys_hashed(hash.value, std::span(split).first(i + 1));
+        const auto keys = list_keys_hashed(hash.value, std::span(split).first(i + 1));
+        auto &names = path.key_names[i];
+        if (keys.size() > names.size())
+            fail_assert("list with more keys than a path holds");
+        for (std::size_t k = 0; k < keys.size(); ++k)
+            names[k] = segments().intern(keys[k]);
+        path.keys_at[i] = std::span(names).first(keys.size());
         if (!path.keys_at[i].empty())
             path.innermost = i;
     }
@@ -122,7 +162,7 @@ tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view
                                      const char *ns, const char *value) {
     const auto [child, block] = append_child(parent, home_, false);
     Arena::Impl &texts = *block->arena;
-    child->tag = intern(texts, tag);
+    child->tag = const_cast<char *>(lasting_text(texts, tag));
     child->namespace_ = ns != nullptr ? intern(texts, ns) : nullptr;
     if (value != nullptr) {
         child->value = copy_text(texts, value);
@@ -202,7 +242,7 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
     Lookups &lookups = block->lookup();
     ListState *known = lookups.find_list(tag);
     const bool fresh = known == nullptr;
-    ListState &list = fresh ? lookups.add_list(intern(*block->arena, tag)) : *known;
+    ListState &list = fresh ? lookups.add_list(lasting_text(*block->arena, tag)) : *known;
     if (fresh) {
         // First use here (or the array was touched by a host): the last entry is current.
         note_reshape();

@@ -55,6 +55,7 @@ private:
 struct AddPath {
     Segments segments;
     std::vector<std::span<const std::string_view>> keys_at; // empty: no list
+    std::vector<std::array<std::string_view, 2>> key_names; // interned, behind keys_at
     std::size_t innermost = kNoDepth;                       // the last list segment
     bool ends_in_key = false; // the last segment is a key of the list before it
 };

@@ -55,6 +55,8 @@ inline bool same_text(const char *a, const char *b) {
 }
 // Whether the terminated `text` is `view`, without measuring `text` first.
 inline bool is_text(const char *text, std::string_view view) {
+    if (text == view.data() && text != nullptr) // the same interned text, most often
+        return text[view.size()] == '\0';
     if (text == nullptr || (!view.empty() && text[0] != view[0]))
         return false;
     return std::strncmp(text, view.data(), view.size()) == 0 && text[view.size()] == '\0';
@@ -299,7 +301,7 @@ struct OpenEntry {
 // Lookup state of the children of one array, kept as positions by the
 // framework's own edits and dropped when a host appends on its own.
 struct NamedList {
-    std::string_view tag; // the arena's copy
+    std::string_view tag; // lasts as long as the arena
     ListState state;
 };
 struct Lookups {
@@ -310,9 +312,12 @@ struct Lookups {
     std::forward_list<NamedList> more;
 
     ListState *find_list(std::string_view tag) {
-        if (has_first && first.tag == tag)
+        auto named = [tag](std::string_view listed) {
+            return listed.size() == tag.size() && (listed.data() == tag.data() || listed == tag);
+        };
+        if (has_first && named(first.tag))
             return &first.state;
-        auto it = std::ranges::find(more, tag, &NamedList::tag);
+        auto it = std::ranges::find_if(more, named, &NamedList::tag);
         return it == more.end() ? nullptr : &it->state;
     }
     ListState &add_list(std::string_view tag) {
