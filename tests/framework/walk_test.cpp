@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "tree_text.hpp"
 #include "yfw_map.h"
 
@@ -84,6 +86,24 @@ TEST_F(RemoteServerWalk, CurrentEntryCountsOnlyWhileOnTheHierarchy) {
     EXPECT_EQ(yfw_map_get_node_info(ctx, path, "host", &value), YFW_ERR_BAD_TREE);
     EXPECT_EQ(yfw_map_update_current_list_node(ctx, nullptr), YFW_ERR_INVALID_ARGS);
     EXPECT_EQ(yfw_map_get_node_info(ctx, "/system", "x", nullptr), YFW_ERR_INVALID_ARGS);
+}
+
+// A walker's list path is read again on every call, from the same buffer or
+// not, and each call records the entry then on top.
+TEST_F(RemoteServerWalk, ListPathBufferIsReadAgain) {
+    char path[] = "/system/logging/remote-servers/remote-server";
+    ASSERT_EQ(yfw_map_update_current_list_node(ctx, path), YFW_SUCCESS);
+    yfw_map_remove_from_node_hierarchy(ctx, entry);
+    tidl_yfw_datatree *other = fwtest::new_root(arena, "remote-server");
+    add_node(arena, other, "host", "h2");
+    yfw_map_add_to_node_hierarchy(ctx, other, YFW_MAP_HIER_LIST_ENTRY);
+    ASSERT_EQ(yfw_map_update_current_list_node(ctx, path), YFW_SUCCESS);
+    char *value = nullptr;
+    EXPECT_EQ(yfw_map_get_node_info(ctx, path, "host", &value), YFW_SUCCESS);
+    EXPECT_STREQ(value, "h2");
+
+    std::memcpy(path, "/a::b", sizeof "/a::b");
+    EXPECT_EQ(yfw_map_update_current_list_node(ctx, path), YFW_ERR_INVALID_ARGS);
 }
 
 // An entry named by its key alone is walked bare: its children wait on the
