@@ -98,7 +98,7 @@ private:
     }
     void do_deallocate(void *block, std::size_t bytes, std::size_t alignment) override {
         if (!pooled(bytes, alignment))
-            ::operator delete(block, bytes, std::align_val_t(alignment));
+            ::operator delete(block, std::align_val_t(alignment));
         else
             kept_.give(bytes, bytes, Block(block));
     }

@@ -326,7 +326,7 @@ struct Lookups {
             first.tag = tag;
             return first.state;
         }
-        return more.emplace_front(tag, ListState{}).state;
+        return more.emplace_front(NamedList{tag, ListState{}}).state;
     }
     template <typename Visit> void each_list(Visit visit) {
         if (has_first)
