@@ -384,6 +384,19 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
     const bool was_complete = has_keys(node, keys);
     if (was_complete && same_text(leaf->value, value))
         return {leaf, node};
+    // The key values the entry is about to have: in a long list their index
+    // slot is far away, and loads while the leaf is made.
+    KeyValues values;
+    bool complete = true;
+    for (std::size_t k = 0; k < keys.size() && complete; ++k) {
+        const tidl_yfw_datatree *held = keys[k] == key ? nullptr : find_child(node, keys[k]);
+        const char *held_value = keys[k] == key ? value : held != nullptr ? held->value : nullptr;
+        if ((complete = held_value != nullptr))
+            values.push_back(held_value);
+    }
+    const uint64_t hash = complete ? values.hash() : 0;
+    if (complete)
+        list.by_key.prefetch(hash);
     if (was_complete) {
         // Another value for a complete key is another entry, with the other keys kept.
         std::vector<tidl_yfw_datatree> kept;
@@ -401,12 +414,10 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
         set_value(node, leaf, value);
     }
     set_current(list, entry);
-    KeyValues values;
-    if (!key_values(node, keys, values))
+    if (!complete)
         return {leaf, node};
-    uint32_t kept_entry = list.by_key.insert(values.hash(), entry, [&](uint32_t at) {
-        return entry_has(parent, at, list_tag, keys, values);
-    });
+    uint32_t kept_entry = list.by_key.insert(
+        hash, entry, [&](uint32_t at) { return entry_has(parent, at, list_tag, keys, values); });
     if (kept_entry == entry)
         return {leaf, node};
 

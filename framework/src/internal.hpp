@@ -198,6 +198,11 @@ public:
                 return slots_[at].position;
         return kNone;
     }
+    // Starts loading where `hash` is looked for, ahead of a find or insert.
+    void prefetch(uint64_t hash) const {
+        if (!slots_.empty())
+            __builtin_prefetch(&slots_[hash & mask()]);
+    }
     // Adds `position` unless an entry with the same keys is there already:
     // the position of that entry, or `position`.
     template <typename Same> uint32_t insert(uint64_t hash, uint32_t position, Same same) {
