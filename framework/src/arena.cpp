@@ -330,8 +330,10 @@ void fail_assert(const char *what) {
     std::abort();
 }
 
+namespace {
 // Blocks end with their arena only.
 uint64_t arenas_ended = 0;
+} // namespace
 
 Lookups &Block::lookup() {
     if (lookups == nullptr)
@@ -365,6 +367,8 @@ Block *block_starting_at(const tidl_yfw_datatree *array) {
         Block *block = nullptr;
         uint64_t arenas_ended = 0;
     };
+    if (array == nullptr)
+        return nullptr;
     static std::array<Seen, 32> seen;
     Seen &slot = seen[(reinterpret_cast<std::uintptr_t>(array) >> 6) % seen.size()];
     if (slot.array == array && slot.arenas_ended == arenas_ended && slot.block->nodes == array)
