@@ -187,21 +187,22 @@ class KeyIndex {
 public:
     // The position of an entry for which `same(position)` holds, or kNone.
     template <typename Same> uint32_t find(uint64_t hash, Same same) const {
+        const uint32_t print = fingerprint(hash);
         if (slots_.empty()) {
             for (std::size_t i = 0; i < few_count_; ++i)
-                if (few_[i].hash == hash && same(few_[i].position))
+                if (few_[i].print == print && same(few_[i].position))
                     return few_[i].position;
             return kNone;
         }
-        for (std::size_t at = hash & mask(); slots_[at].position != kNone; at = (at + 1) & mask())
-            if (slots_[at].hash == hash && same(slots_[at].position))
+        for (std::size_t at = print & mask(); slots_[at].position != kNone; at = (at + 1) & mask())
+            if (slots_[at].print == print && same(slots_[at].position))
                 return slots_[at].position;
         return kNone;
     }
     // Starts loading where `hash` is looked for, ahead of a find or insert.
     void prefetch(uint64_t hash) const {
         if (!slots_.empty())
-            __builtin_prefetch(&slots_[hash & mask()]);
+            __builtin_prefetch(&slots_[fingerprint(hash) & mask()]);
     }
     // Adds `position` unless an entry with the same keys is there already:
     // the position of that entry, or `position`.
@@ -209,12 +210,12 @@ public:
         if (const uint32_t found = find(hash, same); found != kNone)
             return found;
         if (slots_.empty() && few_count_ < few_.size()) {
-            few_[few_count_++] = {hash, position};
+            few_[few_count_++] = {fingerprint(hash), position};
             return position;
         }
         if (slots_.empty() || (used_ + 1) * 4 > slots_.size() * 3)
             rehash(std::max<std::size_t>(16, slots_.size() * 2));
-        place({hash, position});
+        place({fingerprint(hash), position});
         return position;
     }
     // Entry `position` left its array and the later ones moved down by one.
@@ -242,12 +243,13 @@ public:
 
 private:
     struct Slot {
-        uint64_t hash = 0;
+        uint32_t print = 0; // the hash folded: two slots to a cache line more
         uint32_t position = kNone;
     };
     std::size_t mask() const { return slots_.size() - 1; }
+    static uint32_t fingerprint(uint64_t hash) { return static_cast<uint32_t>(hash ^ hash >> 32); }
     void place(Slot slot) {
-        std::size_t at = slot.hash & mask();
+        std::size_t at = slot.print & mask();
         while (slots_[at].position != kNone)
             at = (at + 1) & mask();
         slots_[at] = slot;
