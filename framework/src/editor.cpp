@@ -177,10 +177,6 @@ tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view
     return child;
 }
 
-void Editor::set_current(ListState &list, uint32_t entry) {
-    list.current = entry;
-}
-
 tidl_yfw_datatree *Editor::move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node) {
     tidl_yfw_datatree *slot = new_child(parent, text_of(node.tag), node.namespace_, node.value);
     *slot = node;
@@ -258,7 +254,7 @@ ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,
         }
     } else if (list.current != kNone && (list.current >= parent->subtree_count ||
                                          !has_tag(parent->subtrees[list.current], tag))) {
-        set_current(list, kNone);
+        list.current = kNone;
     }
     return &list;
 }
@@ -299,7 +295,7 @@ ListEntry Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
     }
     const uint32_t made = position(parent, new_child(parent, tag, ns_, nullptr));
     ListState *list = list_state(parent, tag, keys);
-    set_current(*list, made);
+    list->current = made;
     return {made, list};
 }
 
@@ -341,7 +337,7 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
                 return entry_has(parent, at, tag, names, made);
             });
     }
-    set_current(*list, found);
+    list->current = found;
     return found;
 }
 
@@ -381,9 +377,6 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
         // Names the key without setting it: the entry stays as it is.
         return {leaf != nullptr ? leaf : new_child(node, key, ns_, nullptr), node};
     }
-    const bool was_complete = has_keys(node, keys);
-    if (was_complete && same_text(leaf->value, value))
-        return {leaf, node};
     // The key values the entry is about to have: in a long list their index
     // slot is far away, and loads while the leaf is made.
     KeyValues values;
@@ -394,6 +387,9 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
         if ((complete = held_value != nullptr))
             values.push_back(held_value);
     }
+    const bool was_complete = complete && leaf != nullptr && leaf->value != nullptr;
+    if (was_complete && same_text(leaf->value, value))
+        return {leaf, node};
     const uint64_t hash = complete ? values.hash() : 0;
     if (complete)
         list.by_key.prefetch(hash);
@@ -413,7 +409,7 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
     } else {
         set_value(node, leaf, value);
     }
-    set_current(list, entry);
+    list.current = entry;
     if (!complete)
         return {leaf, node};
     uint32_t kept_entry = list.by_key.insert(
@@ -431,7 +427,7 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
     remove_child(parent, entry);
     if (kept_entry > entry)
         --kept_entry;
-    set_current(list, kept_entry);
+    list.current = kept_entry;
     node = &parent->subtrees[kept_entry];
     return {find_child(node, key), node};
 }

@@ -95,7 +95,6 @@ public:
 private:
     tidl_yfw_datatree *new_child(tidl_yfw_datatree *parent, std::string_view tag, const char *ns,
                                  const char *value);
-    void set_current(ListState &list, uint32_t entry);
     tidl_yfw_datatree *move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node);
     tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag);
     tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag,
