@@ -18,6 +18,8 @@ using ocsysmap::detail::children_of;
 namespace yang = ocsysmap::yang;
 
 constexpr std::string_view kOcSystemNs = "http://openconfig.net/yang/system";
+constexpr std::string_view kOcGrpcNs = "http://openconfig.net/yang/system-grpc";
+constexpr std::string_view kGrpcServers = "grpc-servers";
 
 // How a mapping status reaches the client: its name, the NETCONF error-tag
 // and the message when the mapping left none.
@@ -93,6 +95,25 @@ yfw_map_walker_fn native_walker(std::span<const yfw_map_reg_mod_t> trees, const 
     return nullptr;
 }
 
+// default-operation replace: the root is replaced, and with it the gRPC
+// servers, which the root walker's replace leaves to what the client names.
+void replace_whole(yfw::Arena &arena, tidl_yfw_datatree &root) {
+    if (!root.present_operation) {
+        yfw_dt_set_operation(&root, OP_REPLACE);
+    }
+    const bool named = std::any_of(children_of(root).begin(), children_of(root).end(),
+                                   [](const tidl_yfw_datatree &c) {
+                                       return c.tag != nullptr && c.tag == kGrpcServers &&
+                                              c.namespace_ != nullptr && c.namespace_ == kOcGrpcNs;
+                                   });
+    if (!named) {
+        tidl_yfw_datatree *grpc = arena.append_child(&root);
+        grpc->tag = arena.text(kGrpcServers);
+        grpc->namespace_ = arena.text(kOcGrpcNs);
+        yfw_dt_set_operation(grpc, OP_REPLACE);
+    }
+}
+
 // Parses OpenConfig roots and runs each through the OpenConfig root walker;
 // the native tree is then the session's output.
 std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
@@ -109,6 +130,13 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
     } catch (const yang::YangError &e) {
         return model_failure(e);
     }
+    if (edit != nullptr && edit->default_operation == EditDefault::replace && roots.empty()) {
+        // Nothing given replaces everything with nothing.
+        tidl_yfw_datatree *root = session.arena().new_root();
+        root->tag = session.arena().text(trees.front().oc_root);
+        root->namespace_ = session.arena().text(trees.front().oc_namespace);
+        roots.push_back(root);
+    }
     for (tidl_yfw_datatree *root : roots) {
         if (!is_openconfig_root(*root, trees.front())) {
             // Nothing of another module lives on this device: a read selects
@@ -122,9 +150,8 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
                            {},
                            "only the OpenConfig system root is configured here"};
         }
-        if (edit != nullptr && edit->default_operation == EditDefault::replace &&
-            !root->present_operation) {
-            yfw_dt_set_operation(root, OP_REPLACE);
+        if (edit != nullptr && edit->default_operation == EditDefault::replace) {
+            replace_whole(session.arena(), *root);
         }
         session.note_input(root);
         const cerrno status = trees.front().oc_to_native(session.ctx(), root, session.output());

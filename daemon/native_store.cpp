@@ -108,6 +108,14 @@ private:
         });
     }
 
+    static bool is_key(const Place &p, const tidl_yfw_datatree &c) {
+        return std::find(p.keys.begin(), p.keys.end(), text_of(c.tag)) != p.keys.end();
+    }
+
+    static bool writes(const tidl_yfw_datatree &c) {
+        return c.present_operation && c.operation != OP_REMOVE && c.operation != OP_DELETE;
+    }
+
     void apply(std::vector<Node> &siblings, const tidl_yfw_datatree &e, int32_t inherited,
                std::string_view parent_ns, const std::string &schema_path,
                const std::string &shown_path) {
@@ -115,6 +123,7 @@ private:
         const int32_t op = e.present_operation ? e.operation : inherited;
         auto found = std::find_if(siblings.begin(), siblings.end(),
                                   [&](const Node &n) { return matches(n, e, p); });
+        const auto children = children_of(e);
         switch (op) {
         case OP_DELETE:
             if (found == siblings.end()) {
@@ -125,6 +134,15 @@ private:
         case OP_REMOVE:
             // A list entry without all its keys names every entry it agrees with.
             std::erase_if(siblings, [&](const Node &n) { return matches(n, e, p); });
+            // The walkers write a replace as the removal of the node holding
+            // the new content: below it the removals are the old content's,
+            // the rest the new, which builds the node anew. A key written
+            // by the new content keeps the entry even with nothing else.
+            if (!children.empty()) {
+                build(siblings, e, p, OP_MERGE,
+                      std::any_of(children.begin(), children.end(),
+                                  [&](const auto &c) { return is_key(p, c) && writes(c); }));
+            }
             return;
         case kCreate:
             if (found != siblings.end()) {
@@ -145,40 +163,76 @@ private:
             throw EditError("operation-not-supported", p.shown_path,
                             "operation " + std::to_string(op) + " on " + p.shown_path);
         }
-        // Only a delete may name entries by some of their keys; anything else
-        // without all of them must agree with exactly one entry.
-        if (!p.keys_complete &&
-            (found == siblings.end() ||
-             std::count_if(siblings.begin(), siblings.end(),
-                           [&](const Node &n) { return matches(n, e, p); }) != 1)) {
-            throw EditError("missing-element", p.shown_path,
-                            p.shown_path + " does not name all keys of its list");
-        }
         const int32_t below = op == kNoOperation ? kNoOperation : OP_MERGE;
-        if (found != siblings.end()) {
-            merge_into(*found, e, below, p);
-            // A container emptied by the deletes below it goes too.
-            if (found->children.empty() && !found->has_value && !children_of(e).empty()) {
-                siblings.erase(found);
-            }
+        if (found == siblings.end()) {
+            // A leaf, an empty container or an entry named by its keys alone
+            // is made for itself; anything else for what it holds.
+            build(siblings, e, p, below,
+                  op != kNoOperation && std::all_of(children.begin(), children.end(),
+                                                    [&](const auto &c) { return is_key(p, c); }));
             return;
         }
-        Node fresh{e.tag, p.ns, {}, false, {}};
-        merge_into(fresh, e, below, p);
-        // Under default-operation none a missing node is only created for
-        // something below it.
-        if (op != kNoOperation || !fresh.children.empty()) {
-            siblings.push_back(std::move(fresh));
+        // Only a delete may name entries by some of their keys; anything else
+        // without all of them must agree with exactly one entry.
+        if (!p.keys_complete && std::count_if(siblings.begin(), siblings.end(), [&](const Node &n) {
+                                    return matches(n, e, p);
+                                }) != 1) {
+            throw missing_keys(p);
+        }
+        merge_into(*found, e, below, below != kNoOperation || e.present_operation, p);
+        // A container emptied by the deletes below it goes too.
+        if (found->children.empty() && !found->has_value && !children.empty()) {
+            siblings.erase(found);
         }
     }
 
-    void merge_into(Node &n, const tidl_yfw_datatree &e, int32_t below, const Place &p) {
-        if (e.present_value && (below != kNoOperation || e.present_operation)) {
+    static EditError missing_keys(const Place &p) {
+        return EditError("missing-element", p.shown_path,
+                         p.shown_path + " does not name all keys of its list");
+    }
+
+    // A node the store does not hold: its keys as the edit names them, then
+    // what the edit writes below it with `below` as the inherited operation.
+    // It is kept when it then holds more than its keys, or when `wanted`;
+    // removals alone make nothing.
+    void build(std::vector<Node> &siblings, const tidl_yfw_datatree &e, const Place &p,
+               int32_t below, bool wanted) {
+        Node fresh{e.tag, p.ns, {}, false, {}};
+        for (const tidl_yfw_datatree &c : children_of(e)) {
+            if (is_key(p, c) && c.present_value) {
+                fresh.children.push_back(
+                    {c.tag, namespace_of(c, p.ns), text_of(c.value), true, {}});
+            }
+        }
+        const std::size_t keys = fresh.children.size();
+        merge_into(fresh, e, below, below != kNoOperation || e.present_operation, p, true);
+        if (fresh.children.size() == keys && !wanted) {
+            return;
+        }
+        if (!p.keys_complete) {
+            throw missing_keys(p);
+        }
+        siblings.push_back(std::move(fresh));
+    }
+
+    // `writes` tells whether the node's own value is written. A node of the
+    // edit with neither value nor children is an empty leaf when it stays
+    // without children, as the store's file reads it back. `skip_keys` when
+    // the keys are in place already.
+    void merge_into(Node &n, const tidl_yfw_datatree &e, int32_t below, bool writes, const Place &p,
+                    bool skip_keys = false) {
+        if (writes && (e.present_value || (children_of(e).empty() && n.children.empty()))) {
             n.value = text_of(e.value);
             n.has_value = true;
         }
         for (const tidl_yfw_datatree &c : children_of(e)) {
-            apply(n.children, c, below, p.ns, p.schema_path, p.shown_path);
+            if (!skip_keys || !is_key(p, c)) {
+                apply(n.children, c, below, p.ns, p.schema_path, p.shown_path);
+            }
+        }
+        if (!n.children.empty()) {
+            n.value.clear();
+            n.has_value = false;
         }
     }
 
@@ -194,12 +248,12 @@ bool is_content_match(const tidl_yfw_datatree &f) {
 }
 
 std::optional<Node> select_instance(const Node &d, const tidl_yfw_datatree &f,
-                                    const std::string &f_ns);
+                                    const std::string &f_ns, const std::string &schema_path);
 
 // The selected copies of `data` for the filter nodes `filters` of one level.
 std::vector<Node> select_level(const std::vector<Node> &data,
                                std::span<const tidl_yfw_datatree> filters,
-                               std::string_view parent_ns) {
+                               std::string_view parent_ns, const std::string &parent_path) {
     std::vector<Node> out;
     for (const Node &d : data) {
         for (const tidl_yfw_datatree &f : filters) {
@@ -218,7 +272,7 @@ std::vector<Node> select_level(const std::vector<Node> &data,
                 out.push_back(d);
                 break;
             }
-            if (auto picked = select_instance(d, f, f_ns)) {
+            if (auto picked = select_instance(d, f, f_ns, parent_path + "/" + d.tag)) {
                 out.push_back(std::move(*picked));
                 break;
             }
@@ -229,13 +283,18 @@ std::vector<Node> select_level(const std::vector<Node> &data,
 
 // An instance passes when all content-match children agree; then it holds
 // them and what the other children select, or everything when there are none.
+// A list entry keeps its keys, first, so that the answer tells entries apart.
 std::optional<Node> select_instance(const Node &d, const tidl_yfw_datatree &f,
-                                    const std::string &f_ns) {
+                                    const std::string &f_ns, const std::string &schema_path) {
+    // A list entry named by its keys alone is the whole entry: that is how
+    // the mapping asks for a list's entries.
+    const auto keys = yfw::list_keys(schema_path);
     bool has_content_match = false;
     bool has_others = false;
     for (const tidl_yfw_datatree &c : children_of(f)) {
         if (!is_content_match(c)) {
-            has_others = true;
+            has_others =
+                has_others || std::find(keys.begin(), keys.end(), text_of(c.tag)) == keys.end();
             continue;
         }
         has_content_match = true;
@@ -247,9 +306,16 @@ std::optional<Node> select_instance(const Node &d, const tidl_yfw_datatree &f,
     if (!has_others) {
         return d;
     }
-    Node out{d.tag, d.ns, d.value, d.has_value, select_level(d.children, children_of(f), f_ns)};
+    Node out{d.tag, d.ns, d.value, d.has_value,
+             select_level(d.children, children_of(f), f_ns, schema_path)};
     if (out.children.empty() && !has_content_match) {
         return std::nullopt;
+    }
+    for (auto key = keys.rbegin(); key != keys.rend(); ++key) {
+        const Node *have = child_named(d, *key);
+        if (have != nullptr && child_named(out, *key) == nullptr) {
+            out.children.insert(out.children.begin(), *have);
+        }
     }
     return out;
 }
@@ -331,7 +397,7 @@ void apply_edit(Forest &store, std::span<const tidl_yfw_datatree> edit,
 }
 
 Forest select(const Forest &store, std::span<const tidl_yfw_datatree> request) {
-    return select_level(store, request, {});
+    return select_level(store, request, {}, {});
 }
 
 Forest StoreFile::load() const {

@@ -89,6 +89,15 @@ TEST(NativeStore, EditsApplyEachOperation) {
         {"replace drops what it does not name", one,
          ntp(peer("192.0.2.1", "<prefer></prefer>", R"( nc:operation="replace")")),
          DefaultOperation::merge, ntp(peer("192.0.2.1", "<prefer></prefer>")), nullptr},
+        {"a removal holding merged content builds the node anew", one,
+         ntp(R"(<peer-vrfs><peer-vrf><vrf-name>default</vrf-name><peer-ipv4s>)"
+             R"(<peer-ipv4 nc:operation="remove"><address-ipv4 nc:operation="merge">192.0.2.1)"
+             R"(</address-ipv4><prefer nc:operation="merge"></prefer><iburst )"
+             R"(nc:operation="remove"/></peer-ipv4></peer-ipv4s></peer-vrf></peer-vrfs>)"),
+         DefaultOperation::merge, ntp(peer("192.0.2.1", "<prefer></prefer>")), nullptr},
+        {"removals alone make nothing", ntp("<max>1</max>"),
+         ntp(peer("192.0.2.1", R"(<iburst nc:operation="remove"/>)", R"( nc:operation="remove")")),
+         DefaultOperation::merge, ntp("<max>1</max>"), nullptr},
         {"an entry without its key merges into the one entry it agrees with", one,
          ntp("<peer-vrfs><peer-vrf><peer-ipv4s><peer-ipv4><prefer></prefer></peer-ipv4>"
              "</peer-ipv4s></peer-vrf></peer-vrfs>"),
@@ -138,6 +147,16 @@ TEST(NativeStore, ReadsAreSubtreeFilters) {
         {"a selection leaf", ntp("<max/>"), ntp("<max>7</max>")},
         {"a key selects its entry whole", ntp(peer("192.0.2.1")),
          ntp(peer("192.0.2.1", "<iburst></iburst>"))},
+        {"an entry keeps its keys beside what is selected in it",
+         ntp("<peer-vrfs><peer-vrf><peer-ipv4s><peer-ipv4><iburst/></peer-ipv4></peer-ipv4s>"
+             "</peer-vrf></peer-vrfs>"),
+         ntp(peer("192.0.2.1", "<iburst></iburst>"))},
+        {"an entry named by its keys alone comes whole",
+         ntp("<peer-vrfs><peer-vrf><vrf-name/></peer-vrf></peer-vrfs>"),
+         ntp("<peer-vrfs><peer-vrf><vrf-name>default</vrf-name><peer-ipv4s><peer-ipv4>"
+             "<address-ipv4>192.0.2.1</address-ipv4><iburst></iburst></peer-ipv4><peer-ipv4>"
+             "<address-ipv4>192.0.2.2</address-ipv4></peer-ipv4></peer-ipv4s></peer-vrf>"
+             "</peer-vrfs>")},
         {"a content match that fails selects nothing", ntp("<max>8</max>"), ""},
         {"a containment node with nothing below selects nothing", ntp("<auth><enable/></auth>"),
          ""},
