@@ -21,6 +21,7 @@
 #include "device.hpp"
 #include "io/io_detail.hpp"
 #include "netconf_module.hpp"
+#include "ocsystem_map_version.h"
 #include "registered_trees.hpp"
 #include "ymap_ocsystem.h"
 
@@ -34,6 +35,7 @@ using ocsysmapd::Failure;
 constexpr std::string_view kUsage =
     "usage: ocsysmapd --port PORT --store FILE [--models DIR] [--host-key FILE]\n"
     "                 [--user NAME] [--password TEXT]\n"
+    "       ocsysmapd --help | --version\n"
     "Serves NETCONF over SSH on 127.0.0.1:PORT. FILE holds the native datastore (made\n"
     "when missing); the host key (default FILE.host-key) is generated when missing.\n"
     "DIR (or OCSYSMAP_MODELS) holds the OpenConfig models. The login is admin/admin\n"
@@ -46,6 +48,8 @@ struct UsageError : std::runtime_error {
 };
 
 struct Options {
+    // --help or --version: print it and stop, whatever else is given.
+    enum class Info { None, Help, Version } info = Info::None;
     uint16_t port = 0;
     std::filesystem::path store;
     std::optional<std::string_view> models_option;
@@ -65,6 +69,10 @@ Options parse_options(std::span<char *const> args) {
             }
             return args[++i];
         };
+        if (arg == "--help" || arg == "-h" || arg == "--version") {
+            o.info = arg == "--version" ? Options::Info::Version : Options::Info::Help;
+            return o;
+        }
         if (arg == "--port") {
             const std::string_view text = operand();
             auto port = ocsysmap::detail::parse_decimal<uint16_t>(text);
@@ -451,6 +459,11 @@ int main(int argc, char **argv) {
     } catch (const UsageError &e) {
         std::cerr << "ocsysmapd: " << e.what() << '\n' << kUsage;
         return 2;
+    }
+    if (options.info != Options::Info::None) {
+        std::cout << (options.info == Options::Info::Help ? kUsage
+                                                          : "ocsysmapd " OCSYSTEM_MAP_VERSION "\n");
+        return std::cout.flush() ? 0 : 2;
     }
     std::signal(SIGTERM, stop_on_signal);
     std::signal(SIGINT, stop_on_signal);

@@ -20,6 +20,7 @@
 
 #include "io/io_detail.hpp"
 #include "io/ocsysmap_io.hpp"
+#include "ocsystem_map_version.h"
 #include "yang/oc_yang.hpp"
 #include "yfw/standin.hpp"
 
@@ -30,6 +31,7 @@ constexpr std::string_view kUsage =
     "usage: ocsysmap map --kind KIND [--oper-only] [--format paths|xml|json|ietf-json]\n"
     "                    [--trace] [--sysdb PATH=VALUE]... [--models DIR] [--validate] FILE\n"
     "       ocsysmap modules\n"
+    "       ocsysmap --help | --version\n"
     "KIND is get-config, get, edit-a, edit-b, edit-c or a number; FILE - reads standard input.\n"
     "--sysdb sets a system database item by its full path (PATH= sets it empty) and makes\n"
     "the database present; without --sysdb this host has no system database.\n"
@@ -493,6 +495,10 @@ int run(std::span<const std::string_view> args, std::istream &in, std::ostream &
         }
         if (command == "--help" || command == "-h") {
             out << kUsage;
+            return 0;
+        }
+        if (command == "--version") {
+            out << "ocsysmap " OCSYSTEM_MAP_VERSION "\n";
             return 0;
         }
         throw UsageError(command.empty()        ? "a command is required"
