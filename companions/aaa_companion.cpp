@@ -111,7 +111,8 @@ int slot_for(const tidl_yfw_datatree *out, const Service &s, const char *value) 
                 const tidl_yfw_datatree *slot = child(&e, Path("", leaf, n).text);
                 if (slot != nullptr && value != nullptr && text(slot->value) == value)
                     return n;
-                used[n] = used[n] || slot != nullptr;
+                // A slot this request empties is free for the methods it writes.
+                used[n] = used[n] || (slot != nullptr && !yfw_map_is_request_delete(slot));
             }
     }
     int n = 1;
@@ -120,19 +121,27 @@ int slot_for(const tidl_yfw_datatree *out, const Service &s, const char *value) 
     return n;
 }
 
+// Every numbered leaf of the service's entry, bare: what a read asks for, or
+// with `source` a delete of the whole list.
+cerrno all_slots(yfw_map_ctx *ctx, tidl_yfw_datatree *out, const Service &s,
+                 const tidl_yfw_datatree *source) {
+    cerrno rc = YFW_SUCCESS;
+    for (int n = 1; n <= kSlots; ++n) {
+        add(ctx, out, {Path(s.entry, "/method", n), kNsAaaLib}, nullptr, source);
+        rc = add(ctx, out, {Path(s.entry, "/server-group-name", n), kNsAaaLib}, nullptr, source);
+    }
+    return rc;
+}
+
 cerrno oc_method(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
                  tidl_yfw_datatree *out, const Service &s) {
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
         open_entry(ctx, out, s, s.type, nullptr);
-        cerrno rc = YFW_SUCCESS;
-        if (read_kind(ctx)) {
-            for (int n = 1; n <= kSlots; ++n) {
-                add(ctx, out, {Path(s.entry, "/method", n), kNsAaaLib}, nullptr, nullptr);
-                rc = add(ctx, out, {Path(s.entry, "/server-group-name", n), kNsAaaLib}, nullptr,
-                         nullptr);
-            }
-            return rc;
-        }
+        if (read_kind(ctx))
+            return all_slots(ctx, out, s, nullptr);
+        // The whole list goes (a delete or the first pass of a replace).
+        if (text(node->value).empty() && yfw_map_is_request_delete(node))
+            return all_slots(ctx, out, s, node);
         // A known method is a method word; anything else names a server group.
         const Word *known = node->value != nullptr ? by_oc(kMethods, node->value) : nullptr;
         const char *value = known != nullptr ? known->native : node->value;

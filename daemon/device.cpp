@@ -7,7 +7,12 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <functional>
+#include <set>
+#include <utility>
 #include <vector>
+
+#include <libyang/libyang.h>
 
 #include "io/io_detail.hpp"
 
@@ -119,11 +124,15 @@ void replace_whole(yfw::Arena &arena, tidl_yfw_datatree &root) {
 std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
                                  const yang::Models &models, yfw::Session &session,
                                  std::string_view text, bool read_kind,
-                                 std::vector<tidl_yfw_datatree *> &roots, const EditOptions *edit) {
+                                 std::vector<tidl_yfw_datatree *> &roots, const EditOptions *edit,
+                                 const std::function<void(lyd_node *)> &prepare = {}) {
     try {
         const yang::Data data =
             yang::parse(models, text, yang::Format::xml,
                         read_kind ? yang::Content::filter : yang::Content::edit);
+        if (data && prepare) {
+            prepare(data.get());
+        }
         if (data) {
             roots = yang::from_lyd(session.arena(), data.get(), read_kind);
         }
@@ -162,18 +171,101 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
     return std::nullopt;
 }
 
+bool takes_identity(const lysc_node *schema) {
+    if (schema == nullptr || (schema->nodetype & LYD_NODE_TERM) == 0) {
+        return false;
+    }
+    const lysc_type *type = reinterpret_cast<const lysc_node_leaf *>(schema)->type;
+    if (type->basetype != LY_TYPE_UNION) {
+        return false;
+    }
+    const auto *u = reinterpret_cast<const lysc_type_union *>(type);
+    LY_ARRAY_COUNT_TYPE i;
+    LY_ARRAY_FOR(u->types, i) {
+        if (u->types[i]->basetype == LY_TYPE_IDENT) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The module of "module:IDENTITY" when it defines that identity.
+const lys_module *identity_module(const ly_ctx *ctx, std::string_view value) {
+    const std::size_t colon = value.find(':');
+    if (colon == std::string_view::npos) {
+        return nullptr;
+    }
+    const lys_module *m =
+        ly_ctx_get_module_implemented(ctx, std::string(value.substr(0, colon)).c_str());
+    if (m == nullptr) {
+        return nullptr;
+    }
+    LY_ARRAY_COUNT_TYPE i;
+    LY_ARRAY_FOR(m->identities, i) {
+        if (value.substr(colon + 1) == m->identities[i].name) {
+            return m;
+        }
+    }
+    return nullptr;
+}
+
+// A union that takes a string before an identity keeps "module:IDENTITY" as
+// text, which prints without a declaration of its prefix: the leaf declares
+// it, so that a client reads the identity it wrote.
+void declare_identity_prefixes(const lyd_node *tree, std::string &xml) {
+    std::set<std::pair<std::string, std::string>> done;
+    for (const lyd_node *root = tree; root != nullptr; root = root->next) {
+        const lyd_node *node = nullptr;
+        LYD_TREE_DFS_BEGIN(root, node) {
+            if (takes_identity(node->schema)) {
+                const std::string value = lyd_get_value(node);
+                const lys_module *m = identity_module(LYD_CTX(node), value);
+                if (m != nullptr && done.emplace(node->schema->name, value).second) {
+                    const std::string end = ">" + value + "</" + node->schema->name + ">";
+                    const std::string declaration =
+                        std::string(" xmlns:") + m->name + "=\"" + m->ns + "\"";
+                    for (std::size_t at = xml.find(end); at != std::string::npos;
+                         at = xml.find(end, at + declaration.size() + end.size())) {
+                        xml.insert(at, declaration);
+                    }
+                }
+            }
+            LYD_TREE_DFS_END(root, node);
+        }
+    }
+}
+
 // The OpenConfig roots of an answer as the models print them.
 std::optional<Failure> answer_xml(const yang::Models &models, const tidl_yfw_datatree &document,
                                   std::string &out) {
     try {
         const yang::Data typed = yang::to_lyd(models, document);
         out = yang::print(typed.get(), yang::Format::xml);
+        declare_identity_prefixes(typed.get(), out);
     } catch (const yang::YangError &e) {
         Failure f = model_failure(e);
         f.tag = "operation-failed";
         return f;
     }
     return std::nullopt;
+}
+
+// OpenConfig leaves on whose value the native side keys a list: a new entry
+// that leaves one out takes the models' default.
+constexpr std::string_view kKeyedDefaults[] = {
+    "/openconfig-system:system/ntp/servers/server/config/association-type",
+};
+
+// The edit operation of a node: its own, an enclosing node's, else the default.
+std::string_view edit_operation(const lyd_node *node, EditDefault fallback) {
+    for (const lyd_node *n = node; n != nullptr; n = lyd_parent(n)) {
+        if (const lyd_meta *op = lyd_find_meta(n->meta, nullptr, "ietf-netconf:operation")) {
+            return lyd_get_meta_value(op);
+        }
+    }
+    return fallback == EditDefault::replace ? "replace"
+           : fallback == EditDefault::none  ? "none"
+                                            : "merge";
 }
 
 } // namespace
@@ -187,10 +279,65 @@ Device::Device(std::span<const yfw_map_reg_mod_t> trees, const yang::Models &mod
     }
 }
 
+bool Device::holds(const lyd_node *entry) {
+    lyd_node *copy = nullptr;
+    if (lyd_dup_single(entry, nullptr, LYD_DUP_WITH_PARENTS | LYD_DUP_NO_META, &copy) !=
+        LY_SUCCESS) {
+        return false;
+    }
+    while (copy->parent != nullptr) {
+        copy = lyd_parent(copy);
+    }
+    char *text = nullptr;
+    lyd_print_mem(&text, copy, LYD_XML, LYD_PRINT_SHRINK);
+    lyd_free_all(copy);
+    const std::string filter = "<filter xmlns=\"" + std::string(ocsysmap::detail::kNetconfNs) +
+                               "\">" + (text != nullptr ? text : "") + "</filter>";
+    std::free(text);
+    std::string answer;
+    return !read(KIND_GET_CONFIG, filter, answer) && !answer.empty();
+}
+
+void Device::add_key_defaults(lyd_node *tree, EditDefault default_op) {
+    for (const std::string_view path : kKeyedDefaults) {
+        const std::size_t leaf_at = path.rfind('/', path.rfind('/') - 1);
+        const std::string entries(path.substr(0, leaf_at));
+        const std::string leaf(path.substr(leaf_at + 1));
+        const lysc_node *schema =
+            lys_find_path(models_.context(), nullptr, std::string(path).c_str(), 0);
+        const lyd_value *fallback =
+            schema != nullptr ? reinterpret_cast<const lysc_node_leaf *>(schema)->dflt : nullptr;
+        ly_set *set = nullptr;
+        if (fallback == nullptr || lyd_find_xpath(tree, entries.c_str(), &set) != LY_SUCCESS) {
+            continue;
+        }
+        for (uint32_t i = 0; i < set->count; ++i) {
+            lyd_node *entry = set->dnodes[i];
+            lyd_node *have = nullptr;
+            if (lyd_find_path(entry, leaf.c_str(), 0, &have) == LY_SUCCESS) {
+                continue;
+            }
+            lyd_node *parent = nullptr;
+            lyd_find_path(entry, leaf.substr(0, leaf.rfind('/')).c_str(), 0, &parent);
+            const std::string_view op =
+                edit_operation(parent != nullptr ? parent : entry, default_op);
+            if ((op == "merge" && !holds(entry)) || op == "replace" || op == "create") {
+                lyd_new_path(entry, nullptr, leaf.c_str(),
+                             lyd_value_get_canonical(models_.context(), fallback), 0, nullptr);
+            }
+        }
+        ly_set_free(set, nullptr);
+    }
+}
+
 std::optional<Failure> Device::edit(std::string_view config_xml, EditOptions options) {
     yfw::Session session(KIND_EDIT_A);
     std::vector<tidl_yfw_datatree *> roots;
-    if (auto failed = to_native(trees_, models_, session, config_xml, false, roots, &options)) {
+    const auto defaults = [&](lyd_node *tree) {
+        add_key_defaults(tree, options.default_operation);
+    };
+    if (auto failed =
+            to_native(trees_, models_, session, config_xml, false, roots, &options, defaults)) {
         return failed;
     }
     Forest changed = store_;

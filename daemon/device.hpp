@@ -53,6 +53,12 @@ public:
     const Forest &store() const { return store_; }
 
 private:
+    // Whether the running configuration holds the OpenConfig list entry.
+    bool holds(const lyd_node *entry);
+    // The models' defaults that the native side needs as keys, on the new
+    // entries of an edit.
+    void add_key_defaults(lyd_node *tree, EditDefault default_op);
+
     std::span<const yfw_map_reg_mod_t> trees_;
     const ocsysmap::yang::Models &models_;
     StoreFile file_;

@@ -68,6 +68,13 @@ const std::string kAuthen = "/Tarvex-QV-aaa-lib-cfg:aaa/authentications/"
                             "authentication[type='login'][listname='default']";
 const std::string kAuthenKeys =
     kAuthen + "/type = \"login\"\n" + kAuthen + "/listname = \"default\"\n";
+std::string every_slot(const std::string &rest) {
+    std::string out;
+    for (char n = '1'; n <= '4'; ++n) {
+        out += kAuthen + "/method" + n + rest + kAuthen + "/server-group-name" + n + rest;
+    }
+    return out;
+}
 std::string ssh(std::string_view body) {
     return test::oc_system("<ssh-server><config>" + std::string(body) + "</config></ssh-server>");
 }
@@ -138,9 +145,10 @@ INSTANTIATE_TEST_SUITE_P(
                              "openconfig-system:NTP_AUTH_MD5</key-type></config></ntp-key>"
                              "</ntp-keys></ntp>"),
              "ntp/ntp-keys/ntp-key/config/key-type", YFW_SUCCESS, ""},
+        // A delete without a value takes the whole list: every slot.
         Case{"aaa_delete_never_fails", oc_authenticationMethod, KIND_EDIT_A, false,
              authen("<authentication-method nc:operation=\"delete\"/>"), kMethod, YFW_SUCCESS,
-             kAuthenKeys + kAuthen + "/server-group-name1 @delete\n"}),
+             kAuthenKeys + every_slot(" @delete\n")}),
     test::case_name);
 
 // Values fill the four numbered slots in order; the same value keeps its slot,

@@ -12,6 +12,8 @@ import tempfile
 import unittest
 import xml.etree.ElementTree as ET
 
+from lxml import etree
+
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from device_harness import NC, OC, Device, config  # noqa: E402
 
@@ -76,6 +78,11 @@ def users(*entries):
         f'<password>{password}</password><role xmlns:t="{TYPES}">t:SYSTEM_ROLE_ADMIN</role>'
         f"</config></user>" for name, password, op in entries)
     return f"<aaa><authentication><users>{body}</users></authentication></aaa>"
+
+
+def methods(*names, op=""):
+    listed = "".join(f"<authentication-method>t:{n}</authentication-method>" for n in names)
+    return f'<aaa><authentication><config{op} xmlns:t="{TYPES}">{listed}</config></authentication></aaa>'
 
 
 def group(name, *servers, op=""):
@@ -177,6 +184,45 @@ class EditTest(unittest.TestCase):
         body = host("b") + ntp(ntp_server("192.0.2.2"))
         self.edit(body, default_operation="replace")
         self.assert_running(body)
+
+
+    def test_authentication_methods_keep_their_order_through_replace_and_delete(self):
+        cases = [  # edit, the methods read back
+            (methods("TACACS_ALL", "LOCAL"), ["TACACS_ALL", "LOCAL"]),
+            (methods("LOCAL", "TACACS_ALL", op=R), ["LOCAL", "TACACS_ALL"]),
+            ('<aaa><authentication><config nc:operation="delete"/></authentication></aaa>', []),
+        ]
+        path = f"{{{OC}}}aaa/{{{OC}}}authentication/{{{OC}}}config/{{{OC}}}authentication-method"
+        for edit, expected in cases:
+            with self.subTest(edit):
+                self.edit(edit)
+                found = [re.sub(".*:", "", m.text) for m in self.running().findall(path)]
+                self.assertEqual(found, expected)
+                with open(self.store, "rb") as f:
+                    self.assertEqual(f.read().count(b"<method"), len(expected))
+
+
+    def test_a_new_ntp_server_takes_the_default_association_type(self):
+        cases = [  # address, config beside it, association-type read back
+            ("192.0.2.1", "<iburst>true</iburst>", "SERVER"),
+            ("192.0.2.2", "<association-type>PEER</association-type>", "PEER"),
+            # An entry that exists keeps its own.
+            ("192.0.2.2", "<iburst>true</iburst>", "PEER"),
+        ]
+        for address, config_body, expected in cases:
+            with self.subTest(address=address, config=config_body):
+                self.edit(f"<ntp><servers><server><address>{address}</address><config><address>"
+                          f"{address}</address>{config_body}</config></server></servers></ntp>")
+                found = self.running().find(f"{{{OC}}}ntp/{{{OC}}}servers/{{{OC}}}server"
+                                            f"[{{{OC}}}address='{address}']/{{{OC}}}config")
+                self.assertEqual(found.findtext(f"{{{OC}}}association-type"), expected)
+
+    def test_an_identity_of_a_union_comes_back_with_its_namespace(self):
+        self.edit(users(("alice", "x", "")))
+        data = etree.fromstring(self.nc.get_config(source="running").data_xml.encode())
+        role = data.find(f".//{{{OC}}}role")
+        prefix, _, name = role.text.partition(":")
+        self.assertEqual((role.nsmap.get(prefix), name), (TYPES, "SYSTEM_ROLE_ADMIN"))
 
 
 if __name__ == "__main__":

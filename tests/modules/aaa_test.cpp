@@ -126,7 +126,10 @@ INSTANTIATE_TEST_SUITE_P(
              aaa("<authorization nc:operation=\"delete\"/>"),
              kLib + "\n" + kLib + "/authorizations @delete\n" +
                  under(kAuthz, {"", "/type = \"commands\"", "/listname = \"default\"",
-                                "/server-group-name1 @remove"})},
+                                "/method1 @remove", "/server-group-name1 @remove",
+                                "/method2 @remove", "/server-group-name2 @remove",
+                                "/method3 @remove", "/server-group-name3 @remove",
+                                "/method4 @remove", "/server-group-name4 @remove"})},
         Case{"events_become_the_type_of_the_services_entry", KIND_EDIT_A, false, kSystem,
              aaa("<accounting><events><event><event-type>AAA_ACCOUNTING_EVENT_LOGIN</event-type>"
                  "<config><event-type>AAA_ACCOUNTING_EVENT_LOGIN</event-type><record>STOP"
@@ -271,9 +274,8 @@ INSTANTIATE_TEST_SUITE_P(
                            "</secret7></key><timeout>5</timeout></private-server>"
                            "</private-servers></tacacs-server-group>"),
              kOcGroupHead +
-                 under(oc_group("ops"),
-                       {"/config", "/config/name = \"ops\"",
-                        "/config/type = \"openconfig-aaa:TACACS\"", "/servers"}) +
+                 under(oc_group("ops"), {"/config", "/config/name = \"ops\"",
+                                         "/config/type = \"openconfig-aaa:TACACS\"", "/servers"}) +
                  under(kOcServer, {"", "/address = \"192.0.2.10\"", "/config",
                                    "/config/address = \"192.0.2.10\"", "/config/timeout = \"5\"",
                                    "/tacacs", "/tacacs/config", "/tacacs/config/port = \"49\"",
