@@ -15,6 +15,7 @@
 #include <libyang/libyang.h>
 
 #include "io/io_detail.hpp"
+#include "oper/oper_state.hpp"
 
 namespace ocsysmapd {
 namespace {
@@ -364,6 +365,10 @@ std::optional<Failure> Device::read(uint32_t kind, std::optional<std::string_vie
                                     std::string &data_xml) {
     static const std::string whole_system = "<system xmlns=\"" + std::string(kOcSystemNs) + "\"/>";
     const bool filtered = filter_xml && !filter_xml->empty();
+    // Made before this request's sessions: the source reads the configuration.
+    Forest source = kind == KIND_GET && operational_ ? operational_() : Forest{};
+    const bool with_operational = !source.empty();
+    source.insert(source.end(), store_.begin(), store_.end());
     yfw::Session request(kind);
     std::vector<tidl_yfw_datatree *> filter_roots;
     if (auto failed = to_native(trees_, models_, request,
@@ -371,7 +376,10 @@ std::optional<Failure> Device::read(uint32_t kind, std::optional<std::string_vie
                                 filter_roots, nullptr)) {
         return failed;
     }
-    const Forest answer = select(store_, children_of(*request.output()));
+    Forest answer = select(source, children_of(*request.output()));
+    if (with_operational) {
+        oper::end_dns_walk(answer);
+    }
 
     yfw::Session reply(kind);
     tidl_yfw_datatree *document = to_document(reply.arena(), answer);

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -52,6 +53,10 @@ public:
 
     const Forest &store() const { return store_; }
 
+    // The operational roots a <get> reads besides the store; the source may
+    // read the configuration through this device.
+    void set_operational(std::function<Forest()> source) { operational_ = std::move(source); }
+
 private:
     // Whether the running configuration holds the OpenConfig list entry.
     bool holds(const lyd_node *entry);
@@ -63,6 +68,7 @@ private:
     const ocsysmap::yang::Models &models_;
     StoreFile file_;
     Forest store_;
+    std::function<Forest()> operational_;
 };
 
 } // namespace ocsysmapd

@@ -22,6 +22,8 @@
 #include "io/io_detail.hpp"
 #include "netconf_module.hpp"
 #include "ocsystem_map_version.h"
+#include "oper/events_module.hpp"
+#include "oper/oper_state.hpp"
 #include "registered_trees.hpp"
 #include "ymap_ocsystem.h"
 
@@ -116,6 +118,19 @@ struct CtxFree {
 };
 using Context = std::unique_ptr<ly_ctx, CtxFree>;
 
+void load_module(ly_ctx *ctx, std::string_view yang) {
+    ly_in *in = nullptr;
+    const std::string text(yang);
+    const char *features[] = {"*", nullptr};
+    lys_module *module = nullptr;
+    const bool loaded = ly_in_new_memory(text.c_str(), &in) == LY_SUCCESS &&
+                        lys_parse(ctx, in, LYS_IN_YANG, features, &module) == LY_SUCCESS;
+    ly_in_free(in, 0);
+    if (!loaded) {
+        throw std::runtime_error("cannot load the protocol operations");
+    }
+}
+
 // The protocol's own context: the operations and nothing else, so that the
 // data models keep their context to themselves.
 Context protocol_context() {
@@ -124,16 +139,8 @@ Context protocol_context() {
         throw std::runtime_error("cannot make a YANG context");
     }
     Context ctx(raw);
-    ly_in *in = nullptr;
-    const std::string text(ocsysmapd::kNetconfModule);
-    const char *features[] = {"*", nullptr};
-    lys_module *module = nullptr;
-    const bool loaded = ly_in_new_memory(text.c_str(), &in) == LY_SUCCESS &&
-                        lys_parse(ctx.get(), in, LYS_IN_YANG, features, &module) == LY_SUCCESS;
-    ly_in_free(in, 0);
-    if (!loaded) {
-        throw std::runtime_error("cannot load the protocol operations");
-    }
+    load_module(ctx.get(), ocsysmapd::kNetconfModule);
+    load_module(ctx.get(), ocsysmapd::oper::kEventsModule);
     return ctx;
 }
 
@@ -196,6 +203,7 @@ int check_password(const nc_session *session, const char *password, void *user_d
 struct Server {
     ly_ctx *ctx = nullptr;
     Device *device = nullptr;
+    ocsysmapd::oper::Events *events = nullptr;
     uint32_t lock_holder = 0;
 };
 Server g_server;
@@ -367,6 +375,29 @@ nc_server_reply *lock_reply(bool lock, uint32_t session_id) {
     return nc_server_reply_ok();
 }
 
+// The person testing raises and clears alarms and logs messages.
+nc_server_reply *event_reply(lyd_node *rpc, std::string_view name) {
+    auto text = [rpc](std::string_view leaf) { return std::string(leaf_text(rpc, leaf)); };
+    using namespace ocsysmapd::oper;
+    try {
+        if (name == "raise-alarm") {
+            g_server.events->raise(Alarm{text("id"), text("resource"), text("text"),
+                                         text("severity"), text("type-id"), 0});
+        } else if (name == "clear-alarm") {
+            g_server.events->clear(text("id"));
+        } else {
+            Message m{text("msg"), std::nullopt, text("app-name"), text("procid"), text("msgid")};
+            if (const std::string priority = text("priority"); !priority.empty()) {
+                m.priority = static_cast<uint8_t>(std::stoul(priority));
+            }
+            g_server.events->log(std::move(m));
+        }
+    } catch (const EventError &e) {
+        return error_reply(Failure{e.tag, {}, {}, {}, e.what()});
+    }
+    return nc_server_reply_ok();
+}
+
 nc_server_reply *serve(lyd_node *rpc, nc_session *session) {
     const std::string_view name = rpc->schema != nullptr ? rpc->schema->name : "";
     const uint32_t sid = nc_session_get_id(session);
@@ -386,6 +417,9 @@ nc_server_reply *serve(lyd_node *rpc, nc_session *session) {
         if (name == "close-session") {
             return nc_server_reply_ok();
         }
+        if (name == "raise-alarm" || name == "clear-alarm" || name == "log-message") {
+            return event_reply(rpc, name);
+        }
     } catch (const std::exception &e) {
         return simple_error(NC_ERR_OP_FAILED, e.what());
     }
@@ -400,12 +434,42 @@ void end_session(nc_pollsession *ps, nc_session *session) {
     nc_session_free(session, nullptr);
 }
 
+// The configuration as get-config answers it, which state mirrors. When the
+// whole answer fails, each subtree is read alone, so that one that fails
+// leaves the others' state.
+ocsysmapd::Forest configuration_of(Device &device) {
+    std::string data;
+    if (!device.read(KIND_GET_CONFIG, std::nullopt, data)) {
+        return ocsysmapd::oper::parse_config(data);
+    }
+    ocsysmapd::Forest config;
+    for (std::string_view area :
+         {"config", "clock", "dns", "ntp", "messages", "telnet-server", "aaa"}) {
+        const std::string filter =
+            wrapped("filter", "<system xmlns=\"http://openconfig.net/yang/system\"><" +
+                                  std::string(area) + "/></system>");
+        if (!device.read(KIND_GET_CONFIG, filter, data)) {
+            for (ocsysmapd::Node &root : ocsysmapd::oper::parse_config(data)) {
+                if (config.empty()) {
+                    config.push_back(std::move(root));
+                } else {
+                    std::move(root.children.begin(), root.children.end(),
+                              std::back_inserter(config.front().children));
+                }
+            }
+        }
+    }
+    return config;
+}
+
 void run(const Options &options, std::span<const yfw_map_reg_mod_t> trees) {
     const ocsysmap::yang::Models models(options.models);
     Context ctx = protocol_context();
     Device device(trees, models, ocsysmapd::StoreFile(options.store));
+    ocsysmapd::oper::OperState oper;
+    device.set_operational([&device, &oper] { return oper.build(configuration_of(device)); });
     ensure_host_key(options.host_key);
-    g_server = {ctx.get(), &device, 0};
+    g_server = {ctx.get(), &device, &oper.events(), 0};
 
     if (nc_server_init(ctx.get()) != 0) {
         throw std::runtime_error("cannot start the NETCONF server");

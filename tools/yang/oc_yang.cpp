@@ -1,6 +1,8 @@
 // The libyang layer of the tool: see oc_yang.hpp.
 #include "oc_yang.hpp"
 
+#include "device_modules.hpp"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -25,6 +27,16 @@ constexpr const char *kNetconfFallback = R"(module ietf-netconf {
   prefix nc;
   revision 2011-06-01;
 })";
+
+LY_ERR netconf_fallback(const char *name, const char *, const char *submodule, const char *, void *,
+                        LYS_INFORMAT *format, const char **text, ly_module_imp_data_free_clb *) {
+    if (submodule != nullptr || name != kNetconfModule) {
+        return LY_ENOTFOUND;
+    }
+    *format = LYS_IN_YANG;
+    *text = kNetconfFallback;
+    return LY_SUCCESS;
+}
 
 struct CharFree {
     void operator()(char *text) const noexcept { std::free(text); }
@@ -656,8 +668,11 @@ Models::Models(const std::filesystem::path &dir) {
         throw YangError(what);
     };
     // First, as a failed load takes back every module not compiled yet.
+    // The fallback stays at hand: loading a deviation recompiles the context,
+    // which asks for every module again.
     if (ly_ctx_load_module(ctx_, kNetconfModule.data(), nullptr, nullptr) == nullptr &&
-        lys_parse_mem(ctx_, kNetconfFallback, LYS_IN_YANG, nullptr) != LY_SUCCESS) {
+        (ly_ctx_set_module_imp_clb(ctx_, netconf_fallback, nullptr),
+         ly_ctx_load_module(ctx_, kNetconfModule.data(), nullptr, nullptr) == nullptr)) {
         fail("cannot load ietf-netconf");
     }
     const char *all_features[] = {"*", nullptr};
@@ -681,6 +696,13 @@ Models::Models(const std::filesystem::path &dir) {
         fail("cannot compile the models in " + dir.string());
     }
     ly_ctx_unset_options(ctx_, LY_CTX_EXPLICIT_COMPILE);
+    // The device's own: the Telnet extension and what it does not serve.
+    for (const DeviceModule &m : device_modules()) {
+        if (!m.text.empty() &&
+            lys_parse_mem(ctx_, std::string(m.text).c_str(), LYS_IN_YANG, nullptr) != LY_SUCCESS) {
+            fail("cannot load " + std::string(m.name));
+        }
+    }
     clean_errors(ctx_);
 }
 
