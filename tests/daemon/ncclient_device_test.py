@@ -91,10 +91,9 @@ class DeviceTest(unittest.TestCase):
         before = self.store_bytes()
         cases = [
             # body, error-tag, error-path, bad-element, error-app-tag
-            # The models have it, the mapping refuses it.
+            # The mapping refuses it, so the device does not advertise it.
             ("<telnet-server><config><enable>true</enable></config></telnet-server>",
-             "unknown-element", "/openconfig-system:system/telnet-server/config", "enable",
-             "YFW_ERR_UNSUPPORTED_TAG"),
+             "invalid-value", None, None, None),
             # The models refuse it before the mapping sees it.
             ("<config><bogus>1</bogus></config>", "invalid-value", None, None, None),
             ('<config nc:operation="delete"><hostname>x</hostname></config>', "invalid-value",
