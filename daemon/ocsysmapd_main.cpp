@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <fstream>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -19,7 +20,9 @@
 #include <nc_server.h>
 
 #include "device.hpp"
+#include "device_modules.hpp"
 #include "io/io_detail.hpp"
+#include "monitoring_module.hpp"
 #include "netconf_module.hpp"
 #include "ocsystem_map_version.h"
 #include "oper/events_module.hpp"
@@ -140,11 +143,14 @@ Context protocol_context() {
     }
     Context ctx(raw);
     load_module(ctx.get(), ocsysmapd::kNetconfModule);
+    load_module(ctx.get(), ocsysmapd::kMonitoringModule);
     load_module(ctx.get(), ocsysmapd::oper::kEventsModule);
     return ctx;
 }
 
-// Each OpenConfig module with its revision, as a capability of the server.
+// Each module of the models' context with its revision, as a capability of
+// the server: the OpenConfig modules, naming the device's deviations of them,
+// and the device's own.
 void advertise(ly_ctx *models) {
     uint32_t index = 0;
     while (const lys_module *m = ly_ctx_get_module_iter(models, &index)) {
@@ -155,6 +161,10 @@ void advertise(ly_ctx *models) {
         std::string capability = std::string(m->ns) + "?module=" + m->name;
         if (m->revision != nullptr) {
             capability += std::string("&revision=") + m->revision;
+        }
+        LY_ARRAY_COUNT_TYPE i;
+        LY_ARRAY_FOR(m->deviated_by, i) {
+            capability += (i == 0 ? "&deviations=" : ",") + std::string(m->deviated_by[i]->name);
         }
         nc_server_set_capability(capability.c_str());
     }
@@ -202,6 +212,7 @@ int check_password(const nc_session *session, const char *password, void *user_d
 // The device, its context and the one lock of the running datastore.
 struct Server {
     ly_ctx *ctx = nullptr;
+    ly_ctx *models = nullptr;
     Device *device = nullptr;
     ocsysmapd::oper::Events *events = nullptr;
     uint32_t lock_holder = 0;
@@ -316,6 +327,17 @@ std::string wrapped(std::string_view wrapper, std::string_view content) {
     return out;
 }
 
+// The rpc's reply with `data` as its one output node.
+nc_server_reply *data_reply(lyd_node *rpc, const std::string &data, LYD_ANYDATA_VALUETYPE type) {
+    lyd_node *reply = nullptr;
+    if (lyd_dup_single(rpc, nullptr, 0, &reply) != LY_SUCCESS ||
+        lyd_new_any(reply, nullptr, "data", data.c_str(), 0, type, 1, nullptr) != LY_SUCCESS) {
+        lyd_free_tree(reply);
+        return simple_error(NC_ERR_OP_FAILED, "cannot build the reply");
+    }
+    return nc_server_reply_data(reply, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
+}
+
 nc_server_reply *read_reply(lyd_node *rpc, uint32_t kind) {
     std::optional<std::string> filter = any_text(rpc, "filter");
     std::string data;
@@ -326,14 +348,57 @@ nc_server_reply *read_reply(lyd_node *rpc, uint32_t kind) {
     if (auto failed = g_server.device->read(kind, wrapped_filter, data)) {
         return error_reply(*failed);
     }
-    lyd_node *reply = nullptr;
-    if (lyd_dup_single(rpc, nullptr, 0, &reply) != LY_SUCCESS ||
-        lyd_new_any(reply, nullptr, "data", data.c_str(), 0, LYD_ANYDATA_XML, 1, nullptr) !=
-            LY_SUCCESS) {
-        lyd_free_tree(reply);
-        return simple_error(NC_ERR_OP_FAILED, "cannot build the reply");
+    return data_reply(rpc, data, LYD_ANYDATA_XML);
+}
+
+// The text of a module: the device's own as compiled in, a published one as
+// its file holds it, a protocol module as the server's context prints it.
+std::optional<std::string> schema_text(const std::string &name, const std::string &version) {
+    for (const ocsysmap::yang::DeviceModule &m : ocsysmap::yang::device_modules()) {
+        if (m.name == name && (version.empty() || m.revision == version)) {
+            return std::string(m.text);
+        }
     }
-    return nc_server_reply_data(reply, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
+    for (const ly_ctx *ctx : {g_server.models, g_server.ctx}) {
+        const lys_module *m = version.empty()
+                                  ? ly_ctx_get_module_latest(ctx, name.c_str())
+                                  : ly_ctx_get_module(ctx, name.c_str(), version.c_str());
+        const lysp_submodule *sub = m != nullptr ? nullptr
+                                    : version.empty()
+                                        ? ly_ctx_get_submodule_latest(ctx, name.c_str())
+                                        : ly_ctx_get_submodule(ctx, name.c_str(), version.c_str());
+        const char *file = m != nullptr ? m->filepath : sub != nullptr ? sub->filepath : nullptr;
+        if (file != nullptr) {
+            std::ifstream in(file);
+            return std::string{std::istreambuf_iterator<char>(in),
+                               std::istreambuf_iterator<char>()};
+        }
+        if (m == nullptr) {
+            continue;
+        }
+        char *text = nullptr;
+        if (lys_print_mem(&text, m, LYS_OUT_YANG, 0) != LY_SUCCESS) {
+            return std::nullopt;
+        }
+        std::string out(text);
+        std::free(text);
+        return out;
+    }
+    return std::nullopt;
+}
+
+nc_server_reply *schema_reply(lyd_node *rpc) {
+    const std::string_view format = leaf_text(rpc, "format");
+    if (!format.empty() && !format.ends_with("yang")) {
+        return simple_error(NC_ERR_INVALID_VALUE, "the modules are offered as YANG alone");
+    }
+    const std::string name(leaf_text(rpc, "identifier"));
+    const std::optional<std::string> text =
+        schema_text(name, std::string(leaf_text(rpc, "version")));
+    if (!text) {
+        return simple_error(NC_ERR_INVALID_VALUE, "no module " + name + " of that version");
+    }
+    return data_reply(rpc, *text, LYD_ANYDATA_STRING);
 }
 
 nc_server_reply *edit_reply(lyd_node *rpc, uint32_t session_id) {
@@ -417,6 +482,9 @@ nc_server_reply *serve(lyd_node *rpc, nc_session *session) {
         if (name == "close-session") {
             return nc_server_reply_ok();
         }
+        if (name == "get-schema") {
+            return schema_reply(rpc);
+        }
         if (name == "raise-alarm" || name == "clear-alarm" || name == "log-message") {
             return event_reply(rpc, name);
         }
@@ -469,10 +537,16 @@ void run(const Options &options, std::span<const yfw_map_reg_mod_t> trees) {
     ocsysmapd::oper::OperState oper;
     device.set_operational([&device, &oper] { return oper.build(configuration_of(device)); });
     ensure_host_key(options.host_key);
-    g_server = {ctx.get(), &device, &oper.events(), 0};
+    g_server = {ctx.get(), models.context(), &device, &oper.events(), 0};
 
     if (nc_server_init(ctx.get()) != 0) {
         throw std::runtime_error("cannot start the NETCONF server");
+    }
+    // The server's own get-schema knows its context alone; the device's serves
+    // the models too (the callback of a schema node goes before the global one).
+    if (const lysc_node *get_schema =
+            lys_find_path(ctx.get(), nullptr, "/ietf-netconf-monitoring:get-schema", 0)) {
+        const_cast<lysc_node *>(get_schema)->priv = nullptr;
     }
     advertise(models.context());
     Login login{options.user, options.password};

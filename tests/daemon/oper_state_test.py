@@ -6,6 +6,7 @@ own RPCs, and every answer validates against the models.
 usage: oper_state_test.py OCSYSMAPD MODELS_DIR
 """
 import os
+import re
 import subprocess
 import sys
 import tempfile
@@ -22,11 +23,14 @@ from ncclient.xml_ import to_ele  # noqa: E402
 
 DAEMON, MODELS = sys.argv[1], sys.argv[2]
 EV = "urn:ocsysmap:yang:ocsysmapd-events"
-NS = {"oc": OC, "grpc": "http://openconfig.net/yang/system-grpc"}
+EXT = "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-terminal-ext"
+DEV = "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-deviations"
+NS = {"oc": OC, "grpc": "http://openconfig.net/yang/system-grpc", "ext": EXT}
 OC_MODULES = ("openconfig-system", "openconfig-system-grpc", "openconfig-alarms",
               "openconfig-messages")
 
-# Per feature area: the edit, then (path under /system of the get answer, text).
+# Per feature area: the edit, then (path under /system of the get answer, text);
+# a row may end with the get's filter (the whole system when none).
 AREAS = [
     ("identity and clock",
      "<config><hostname>edge-7</hostname><motd-banner>authorised use only</motd-banner>"
@@ -62,6 +66,21 @@ AREAS = [
      "</grpc-server></grpc-servers>",
      [("grpc:grpc-servers/grpc:grpc-server/grpc:state/grpc:port", "9339"),
       ("grpc:grpc-servers/grpc:grpc-server/grpc:state/grpc:enable", "true")]),
+    ("Telnet",
+     f'<telnet-server><ipv4 xmlns="{EXT}"><vrf><vrf-name>default</vrf-name><config>'
+     "<session-limit>4</session-limit></config></vrf></ipv4></telnet-server>",
+     [("oc:telnet-server/ext:ipv4/ext:vrf/ext:state/ext:session-limit", "4"),
+      ("oc:telnet-server/ext:ipv4/ext:vrf/ext:state/ext:enable", "true")]),
+    ("syslog selector",
+     "<logging><remote-servers><remote-server><host>192.0.2.9</host><selectors><selector>"
+     f'<facility xmlns:d="{DEV}">d:NONE</facility><severity>WARNING</severity><config>'
+     f'<facility xmlns:d="{DEV}">d:NONE</facility><severity>WARNING</severity></config>'
+     "</selector></selectors></remote-server></remote-servers></logging>",
+     [("oc:logging/oc:remote-servers/oc:remote-server/oc:selectors/oc:selector/oc:severity",
+       "WARNING")],
+     # A whole read of a remote server asks the device for its port alone.
+     "<logging><remote-servers><remote-server><host>192.0.2.9</host><selectors/>"
+     "</remote-server></remote-servers></logging>"),
 ]
 
 
@@ -79,8 +98,29 @@ class OperStateTest(unittest.TestCase):
         cls.device = Device(DAEMON, MODELS, os.path.join(cls.dir.name, "store.xml"))
         cls.device.start()
         cls.nc = cls.device.connect()
-        cls.modules = [os.path.join(root, f"{m}.yang") for root, _, files in os.walk(MODELS)
-                       for m in OC_MODULES if f"{m}.yang" in files]
+        cls.modules = cls.fetch_schemas()
+
+    @classmethod
+    def fetch_schemas(cls):
+        """Every module the hello advertises, and what they import or include, through
+        <get-schema>; the advertised ones are the files to validate with."""
+        cls.schemas = os.path.join(cls.dir.name, "schemas")
+        os.mkdir(cls.schemas)
+        advertised = sorted({re.search(r"module=([^&]+)", c).group(1)
+                             for c in cls.nc.server_capabilities if "module=" in c})
+        wanted, seen = list(advertised), set(advertised)
+        while wanted:
+            name = wanted.pop()
+            text = cls.nc.get_schema(name).data
+            with open(os.path.join(cls.schemas, f"{name}.yang"), "w") as f:
+                f.write(text)
+            for imported in re.findall(r"^\s*(?:import|include)\s+([\w.-]+)\s*[{;]", text, re.M):
+                if imported not in seen:
+                    seen.add(imported)
+                    wanted.append(imported)
+        assert {*OC_MODULES, "Tarvex-QV-openconfig-system-terminal-ext",
+                "Tarvex-QV-openconfig-system-deviations"} <= set(advertised), advertised
+        return [os.path.join(cls.schemas, f"{m}.yang") for m in advertised]
 
     @classmethod
     def tearDownClass(cls):
@@ -98,17 +138,17 @@ class OperStateTest(unittest.TestCase):
         answer = os.path.join(self.dir.name, "answer.xml")
         with open(answer, "wb") as f:
             f.write(b"".join(etree.tostring(c) for c in data))
-        check = subprocess.run(["yanglint", "-Q", "-i", "-i", "-t", "get", "-p", MODELS,
+        check = subprocess.run(["yanglint", "-Q", "-D", "-i", "-i", "-t", "get", "-p", self.schemas,
                                 *self.modules, answer], capture_output=True, text=True)
         self.assertEqual(check.returncode, 0, check.stderr + reply.data_xml)
         found = data.find("oc:system", NS)
         return found if found is not None else etree.Element("none")
 
     def test_state_follows_each_area_configured(self):
-        for name, body, expected in AREAS:
+        for name, body, expected, *read in AREAS:
             with self.subTest(area=name):
                 self.assertTrue(self.nc.edit_config(target="running", config=config(body)).ok)
-                state = self.get()
+                state = self.get(*read)
                 for path, text in expected:
                     self.assertEqual(state.findtext(path, namespaces=NS), text, path)
 
