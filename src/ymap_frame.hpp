@@ -285,6 +285,11 @@ enum : uint16_t {
     // An unknown tag of the walker's own namespace is ignored with a trace,
     // whatever the request kind.
     kIgnoresOwnUnknown = 1u << 5,
+    // The operational DNS root marks every walk of its tree, before anything
+    // else; the configuration DNS root then stands aside for its next walk,
+    // before it looks at its tree, so that the operational answer stands alone.
+    kRaisesDnsOper = 1u << 6,
+    kYieldsToDnsOper = 1u << 7,
 };
 
 struct WalkerRow {

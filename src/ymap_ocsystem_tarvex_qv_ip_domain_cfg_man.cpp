@@ -2,7 +2,6 @@
 // Every VRF lands in the one OpenConfig view, and the leaves written here are
 // configuration that OpenConfig has no state twin for in this tree, so they
 // are written whatever the request asks.
-#include "ymap_module_state.hpp"
 #include "ymap_ocsystem_modules.h"
 
 namespace {
@@ -23,16 +22,6 @@ cerrno host_name(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *o
 }
 
 } // namespace
-
-// The operational tree's answer stands alone: the walk of this tree that
-// follows it adds nothing, once.
-YMAP_HAND_COUNT(ymap_qo_ocsystem_tarvexqvipdomaincfg_cont_lvla_ipdomain) {
-    int32_t &oper_walked = ymap::module_state().is_ocsystem_dns_oper;
-    if (oper_walked == 0)
-        return YFW_SUCCESS;
-    oper_walked = 0;
-    return YFW_MAP_SKIP_NODE;
-}
 
 // The VRF's name is not looked at: all VRFs merge into one view.
 YMAP_HAND(ymap_qo_ocsystem_tarvexqvipdomaincfg_man_list_lvla_ipdomain_vrfs_vrf) {

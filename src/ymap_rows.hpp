@@ -14,8 +14,8 @@
 // YMAP_NS (its own namespace) first and undefines them at its end.
 #pragma once
 
-#include "ymap_frame.hpp"
 #include "ymap_companions.h"
+#include "ymap_frame.hpp"
 #include "ymap_namespaces.hpp"
 
 // The macros keep their hand alignment.
@@ -149,6 +149,17 @@
 #define YMAP_LIST_WALKER_WITH(lv_, node_, fl_, aug_, mapper_fn_, list_path_, keys_, ...)           \
     YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), aug_, List,  \
                              fl_, nullptr, &mapper_fn_, list_path_, keys_, __VA_ARGS__)
+
+// Native nodes with no OpenConfig face: walked all the way down with the
+// module's catch-all mappers, so that an answer holding them is checked node
+// by node and adds nothing.
+#define YMAP_DUCK_CONT_WALKER(lv_, node_, ...)                                                 \
+    YMAP_DISPATCH(YMAP_WALK)(YMAP_WALKER(lv_, node_), YMAP_PARSER(lv_, node_), GEN, Container, \
+                             0, &YMAP_DUCK(container), nullptr, nullptr, (), __VA_ARGS__)
+#define YMAP_DUCK_LIST_WALKER(lv_, node_, list_path_, keys_, ...) \
+    YMAP_LIST_WALKER_WITH(lv_, node_, 0, GEN, YMAP_DUCK(list), list_path_, keys_, __VA_ARGS__)
+#define YMAP_DUCK_LEAF(tag_, lv_, node_) \
+    ::ymap::Child{tag_, nullptr, YMAP_STR(YMAP_WALKER(lv_, node_)), &YMAP_DUCK(leaf)},
 
 // Children of a walker row, in schema order, one after the other with no
 // separator (each expands with its own comma).

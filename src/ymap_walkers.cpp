@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "ymap_frame.hpp"
+#include "ymap_module_state.hpp"
 
 namespace ymap {
 namespace {
@@ -702,6 +703,15 @@ cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
                   tidl_yfw_datatree *out_tree) {
     if (!frame_start(ctx, row.name, node, out_tree))
         return YFW_ERR_INVALID_ARGS;
+    if ((row.flags & (kRaisesDnsOper | kYieldsToDnsOper)) != 0) {
+        int32_t &oper_walked = module_state().is_ocsystem_dns_oper;
+        if ((row.flags & kRaisesDnsOper) != 0) {
+            oper_walked = 1;
+        } else if (oper_walked != 0) {
+            oper_walked = 0;
+            return end(row, ctx, YFW_SUCCESS);
+        }
+    }
     const bool oc = walks_openconfig(row);
     switch (row.kind) {
     case WalkerKind::Container:
