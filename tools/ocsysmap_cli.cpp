@@ -1,6 +1,7 @@
 // ocsysmap map: read a tree, hand each root to the walker of its registered
 // tree, print the output tree and the status. ocsysmap modules: list the
-// modules the framework knows.
+// modules the framework knows. ocsysmap coverage: the OpenConfig paths the
+// mapping tables map, as found when the tool was built.
 #include "ocsysmap_cli.hpp"
 
 #include <algorithm>
@@ -21,6 +22,7 @@
 #include "io/io_detail.hpp"
 #include "io/ocsysmap_io.hpp"
 #include "ocsystem_map_version.h"
+#include "yang/device_modules.hpp"
 #include "yang/oc_yang.hpp"
 #include "yfw/standin.hpp"
 
@@ -31,6 +33,7 @@ constexpr std::string_view kUsage =
     "usage: ocsysmap map --kind KIND [--oper-only] [--format paths|xml|json|ietf-json]\n"
     "                    [--trace] [--sysdb PATH=VALUE]... [--models DIR] [--validate] FILE\n"
     "       ocsysmap modules\n"
+    "       ocsysmap coverage\n"
     "       ocsysmap --help | --version\n"
     "KIND is get-config, get, edit-a, edit-b, edit-c or a number; FILE - reads standard input.\n"
     "--sysdb sets a system database item by its full path (PATH= sets it empty) and makes\n"
@@ -493,6 +496,10 @@ int run(std::span<const std::string_view> args, std::istream &in, std::ostream &
             }
             return 0;
         }
+        if (command == "coverage" && args.size() == 1) {
+            out << yang::coverage_report();
+            return 0;
+        }
         if (command == "--help" || command == "-h") {
             out << kUsage;
             return 0;
@@ -501,9 +508,10 @@ int run(std::span<const std::string_view> args, std::istream &in, std::ostream &
             out << "ocsysmap " OCSYSTEM_MAP_VERSION "\n";
             return 0;
         }
-        throw UsageError(command.empty()        ? "a command is required"
-                         : command == "modules" ? "modules takes no arguments"
-                                                : "unknown command " + std::string(command));
+        throw UsageError(command.empty() ? "a command is required"
+                         : command == "modules" || command == "coverage"
+                             ? std::string(command) + " takes no arguments"
+                             : "unknown command " + std::string(command));
     } catch (const UsageError &e) {
         err << "ocsysmap: " << e.what() << '\n' << kUsage;
     } catch (const InputError &e) {
