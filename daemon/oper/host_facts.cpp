@@ -48,12 +48,19 @@ private:
     std::optional<std::string> saved_;
 };
 
+// A counter may step back (iowait does): that interval counts as none.
+uint64_t since(uint64_t now, uint64_t before) {
+    return now > before ? now - before : 0;
+}
+
 uint8_t percent(uint64_t part, uint64_t whole) {
     if (whole == 0) {
         return 0;
     }
-    const uint64_t p = (part * 200 + whole) / (2 * whole); // rounded
-    return static_cast<uint8_t>(std::min<uint64_t>(p, 100));
+    if (part >= whole) {
+        return 100;
+    }
+    return static_cast<uint8_t>((part * 200 + whole) / (2 * whole)); // rounded
 }
 
 } // namespace
@@ -151,8 +158,8 @@ const std::vector<CpuFigures> &CpuSampler::sample() {
             f.interval_ns = at - last_ns_;
             for (std::size_t m = 0; m < kMeasures; ++m) {
                 Measure &x = f.measures[m];
-                x.instant = percent(c.ticks[m] - last->ticks[m], c.all - last->all);
-                x.avg = percent(c.ticks[m] - start->ticks[m], c.all - start->all);
+                x.instant = percent(since(c.ticks[m], last->ticks[m]), c.all - last->all);
+                x.avg = percent(since(c.ticks[m], start->ticks[m]), since(c.all, start->all));
                 if (!f.sampled || x.instant < x.min) {
                     x.min = x.instant;
                     x.min_time = at;

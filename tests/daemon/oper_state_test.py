@@ -66,6 +66,18 @@ AREAS = [
      "</grpc-server></grpc-servers>",
      [("grpc:grpc-servers/grpc:grpc-server/grpc:state/grpc:port", "9339"),
       ("grpc:grpc-servers/grpc:grpc-server/grpc:state/grpc:enable", "true")]),
+    ("TACACS",
+     "<aaa><server-groups><server-group><name>tg</name><config><name>tg</name>"
+     '<type xmlns:oc-aaa="http://openconfig.net/yang/aaa">oc-aaa:TACACS</type></config>'
+     "<servers><server><address>192.0.2.10</address><config><address>192.0.2.10</address>"
+     "<timeout>5</timeout></config><tacacs><config><port>49</port><secret-key>k9</secret-key>"
+     "</config></tacacs></server></servers></server-group></server-groups></aaa>",
+     [("oc:aaa/oc:server-groups/oc:server-group/oc:servers/oc:server/oc:state/oc:timeout", "5"),
+      ("oc:aaa/oc:server-groups/oc:server-group/oc:servers/oc:server/oc:tacacs/oc:state/oc:port",
+       "49")],
+     # A whole read of a group leaves its servers' state out.
+     "<aaa><server-groups><server-group><name>tg</name><servers><server><address>192.0.2.10"
+     "</address><state/><tacacs/></server></servers></server-group></server-groups></aaa>"),
     ("Telnet",
      f'<telnet-server><ipv4 xmlns="{EXT}"><vrf><vrf-name>default</vrf-name><config>'
      "<session-limit>4</session-limit></config></vrf></ipv4></telnet-server>",
