@@ -1,21 +1,24 @@
 // A request built from the bytes: its kind, a root walker of the registered
-// trees and an input tree whose tags, namespaces and values come from small
-// dictionaries of the names the walkers know (and a few they do not), so that
-// most inputs get past the root tests into the mappers. Whatever the walk
-// returns, it must return a known status and leave the context, the
-// framework's bookkeeping and the named allocations as it found them.
+// trees and an input tree whose tags, namespaces and values come from the
+// names the library's own tables hold (and a few they do not), mostly as the
+// walker rows nest them, so that most inputs get past the root tests into the
+// mappers, augments included. Whatever the walk returns, it must return a
+// known status and leave the context, the framework's bookkeeping and the
+// named allocations as it found them.
 //
 // Input layout, one byte each, reads past the end give 0:
 //   header   bits 0-2 request kind, 3 oper_only, 4 debug log, 5 ring trace,
 //            6 print_data after the walk, 7 a system database whose
 //            running gRPC server is named "router1"
-//   walker   (mod 24) 0-3 the OpenConfig root, 4-23 the native root of
-//            each registration in order
-//   node     tag (0 at the root: the walker's own root tag; 0xff: none),
-//            namespace (mod 16: 0-4 the parent's, else kNamespaces),
-//            flags (bits 0-2 operation, 3-4 value, 5 xpath error mark,
-//            6+7 children announced but missing), [value], [bogus count],
-//            child count (mod 5), then the children, depth first
+//   root     a registered root, either direction (schema_words.hpp's order)
+//   node     tag (0 at the root: the walker's own root tag; 0xff: none;
+//            below 0xc0 a child of the parent's walker row; else two more
+//            bytes pick any name of the tables, or from 0xf8 a strange one),
+//            namespace (below 0xa0 that of the node's walker row, else any
+//            of the tables' or none), flags (bits 0-2 operation, 3-4 value,
+//            5 xpath error mark, 6+7 children announced but missing),
+//            [value], [bogus count], child count (mod 5), then the children,
+//            depth first
 //   Set WALK_FUZZ_VERBOSE to print the input and output of each run.
 #include <array>
 #include <cstdint>
@@ -26,6 +29,7 @@
 #include <string_view>
 
 #include "ocsysmap_io.hpp"
+#include "schema_words.hpp"
 #include "yfw/standin.hpp"
 #include "yfw_map.h"
 #include "ymap_ocsystem.h"
@@ -40,205 +44,9 @@ constexpr uint32_t kMaxChildren = 4;
 constexpr std::array<uint32_t, 6> kKinds = {KIND_GET_CONFIG, KIND_GET,    KIND_EDIT_A,
                                             KIND_EDIT_B,     KIND_EDIT_C, 3};
 
-// Index 0 is the most frequent pick (bytes past the end are 0).
-constexpr auto kTags = std::to_array<std::string_view>({
-    "config",
-    "state",
-    "system",
-    "hostname",
-    "login-banner",
-    "motd-banner",
-    "clock",
-    "timezone-name",
-    "memory",
-    "physical",
-    "reserved",
-    "cpus",
-    "cpu",
-    "index",
-    "total",
-    "user",
-    "kernel",
-    "nice",
-    "idle",
-    "wait",
-    "hardware-interrupt",
-    "software-interrupt",
-    "instant",
-    "avg",
-    "min",
-    "max",
-    "interval",
-    "min-time",
-    "max-time",
-    "alarms",
-    "alarm",
-    "id",
-    "resource",
-    "text",
-    "time-created",
-    "severity",
-    "type-id",
-    "mount-points",
-    "mount-point",
-    "name",
-    "domain-name",
-    "current-datetime",
-    "boot-time",
-    "dns",
-    "ntp",
-    "ssh-server",
-    "telnet-server",
-    "logging",
-    "aaa",
-    "messages",
-    "processes",
-    "license",
-    "mac-address",
-    "host-names",
-    "host-name",
-    "banners",
-    "banner",
-    "banner-name",
-    "banner-text",
-    "time-zone",
-    "area-name",
-    "time-zone-name",
-    "ocsystem",
-    "ocsystemcpu",
-    "cpuses",
-    "amfm-edt",
-    "grpc-servers",
-    "grpc-server",
-    "ssh",
-    "syslog",
-    "ocsyslog",
-    "ocntp",
-    "grpc",
-    "oc-ems",
-    "ocaaa",
-    "ip",
-    "octelnet",
-    "oc-dns",
-    "ip-domain",
-    "vrfs",
-    "vrf",
-    "vrf-name",
-    "lists",
-    "list",
-    "order",
-    "list-name",
-    "server-address",
-    "ipv4-hosts",
-    "ipv4-host",
-    "ipv6-hosts",
-    "ipv6-host",
-    "dns-state",
-    "search",
-    "host-entries",
-    "host-entry",
-    "alias",
-    "ipv4-address",
-    "ipv6-address",
-    "servers",
-    "server",
-    "address",
-    "enable",
-    "port",
-    "console",
-    "selectors",
-    "selector",
-    "facility",
-    "remote-servers",
-    "remote-server",
-    "host",
-    "remote-port",
-    "source-address",
-    "debug-entries",
-    "debug-service",
-    "service",
-    "enabled",
-    "message",
-    "msg",
-    "priority",
-    "console-logging",
-    "logging-level",
-    "yang-logging",
-    "host-server",
-    "hosts",
-    "ipv4s",
-    "ipv4",
-    "ipv6s",
-    "ipv6",
-    "host-severity-port",
-    "ipv4-severity-port",
-    "ipv6-severity-port",
-    "peer-vrfs",
-    "peer-vrf",
-    "peer-ipv4s",
-    "peer-ipv4",
-    "address-ipv4",
-    "peer-ipv6s",
-    "peer-ipv6",
-    "address-ipv6",
-    "peer-type-ipv4",
-    "peer-type-ipv6",
-    "peer-type",
-    "ntp-version",
-    "iburst",
-    "preferred-peer",
-    "authentication",
-    "keys",
-    "key",
-    "key-number",
-    "authentication-key",
-    "max-associations",
-    "ntp-keys",
-    "ntp-key",
-    "key-id",
-    "key-type",
-    "key-value",
-    "enable-ntp-auth",
-    "ntp-source-address",
-    "version",
-    "association-type",
-    "prefer",
-    "stratum",
-    "root-delay",
-    "offset",
-    "transport-security",
-    "certificate-id",
-    "no-tls",
-    "services",
-    "listen-addresses",
-    "metadata-authentication",
-    "network-instance",
-    "tls-cipher",
-    "tunnel",
-    "protocol-version",
-    "timeout",
-    "rate-limit",
-    "session-limit",
-    "vrf-table",
-    "v2",
-    "client",
-    "backup-server",
-    "netconf-vrf-table",
-    "usernames",
-    "username",
-    "server-algo",
-    "trustpoint",
-    "usertps",
-    "usertp",
-    "tp-name",
-    "tinetd",
-    "telnet",
-    "tftp",
-    "tcp",
-    "udp",
-    "maximum-server",
-    "data",
-    "filter",
+// Tags no table names, for the walkers' refusals; every other tag comes from
+// the library's own rows (schema_words.hpp).
+constexpr auto kStrangeTags = std::to_array<std::string_view>({
     "unknown",
     "x",
     "",
@@ -249,67 +57,7 @@ constexpr auto kTags = std::to_array<std::string_view>({
     "state/index",
     "cpus[index='0']",
     "-",
-    // AAA: the OpenConfig subtree, the native lists and the private server figures.
-    "authorization",
-    "accounting",
-    "authentication-method",
-    "authorization-method",
-    "accounting-method",
-    "events",
-    "event",
-    "event-type",
-    "record",
-    "admin-user",
-    "users",
-    "password",
-    "password-hashed",
-    "ssh-key",
-    "role",
-    "server-groups",
-    "server-group",
-    "tacacs",
-    "radius",
-    "secret-key",
-    "auth-port",
-    "counters",
-    "timeout-access-requests",
-    "connection-opens",
-    "messages-sent",
-    "authentications",
-    "authorizations",
-    "accountings",
-    "type",
-    "listname",
-    "type-qv",
-    "method1",
-    "server-group-name1",
-    "ordering-index",
-    "secret",
-    "secret5",
-    "tacacs-server-groups",
-    "tacacs-server-group",
-    "server-group-name",
-    "private-servers",
-    "private-server",
-    "ip-address",
-    "port-number",
 });
-
-// Namespaces a node can name instead of its parent's; null means none at all.
-constexpr std::array<const char *, 12> kNamespaces = {
-    "http://openconfig.net/yang/system",
-    "http://openconfig.net/yang/system-grpc",
-    "http://openconfig.net/yang/alarms",
-    "http://tarvex.local/ns/yang/Tarvex-QV-shellutil-cfg",
-    "http://tarvex.local/ns/yang/Tarvex-QV-infra-infra-cfg",
-    "http://tarvex.local/ns/yang/Tarvex-QV-infra-infra-clock-linux-cfg",
-    "http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-oc-system-oper",
-    "http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-ocsystem-cpu-oper",
-    "http://tarvex.local/ns/yang/Tarvex-QV-PRIVATE-alarm-mgr-oc-oper",
-    "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-terminal-ext",
-    "http://tarvex.local/ns/yang/Tarvex-QV-unknown-cfg",
-    nullptr,
-};
 
 constexpr auto kValues = std::to_array<std::string_view>({
     "0",
@@ -357,35 +105,12 @@ private:
     std::size_t pos_ = 0;
 };
 
-// A root walker with the root tag and namespace its tree is registered with.
-struct Root {
-    yfw_map_walker_fn walker;
-    const char *tag;
-    const char *ns;
-};
+using fuzzwords::Pick;
+using fuzzwords::Root;
 
-// The registration records, filled once as the framework fills them at load.
-const std::array<yfw_map_reg_mod_t, 20> &registrations() {
-    static const std::array<yfw_map_reg_mod_t, 20> records = [] {
-        std::array<yfw_map_reg_mod_t, 20> r{};
-        std::size_t i = 0;
-#define YMAP_FUZZ_REGISTER_(fn) fn(&r[i++]);
-        YMAP_OCSYSTEM_REGISTRATIONS(YMAP_FUZZ_REGISTER_)
-#undef YMAP_FUZZ_REGISTER_
-        return r;
-    }();
-    return records;
-}
-
-// Every record names the same OpenConfig walker; the native ones differ.
-Root pick_root(uint8_t selector) {
-    const auto &regs = registrations();
-    if (selector % 24 < 4) {
-        const yfw_map_reg_mod_t &reg = regs[0];
-        return {reg.oc_to_native, reg.oc_root, reg.oc_namespace};
-    }
-    const yfw_map_reg_mod_t &reg = regs[(selector % 24 - 4) % regs.size()];
-    return {reg.native_to_oc, reg.native_root, reg.native_namespace};
+const Root &pick_root(uint8_t selector) {
+    const auto &roots = fuzzwords::schema().roots;
+    return roots[selector % roots.size()];
 }
 
 class TreeBuilder {
@@ -396,24 +121,59 @@ public:
     tidl_yfw_datatree *build() {
         tidl_yfw_datatree *root = arena_.new_root();
         ++nodes_;
-        fill(root, root_.ns, 0);
+        fill(root, root_.ns.c_str(), root_.row, 0);
         return root;
     }
 
 private:
+    // A tag below `row`: mostly one of the row's children, else any name the
+    // tables hold or none of theirs.
+    Pick pick_tag(uint8_t tag, const ymap::WalkerRow *row) {
+        const auto &words = fuzzwords::schema();
+        const auto &picks = words.picks_of(row);
+        if (tag < 0xc0 && !picks.empty()) {
+            return picks[tag % picks.size()];
+        }
+        const std::size_t any = (std::size_t{bytes_.next()} << 8) | bytes_.next();
+        if (tag >= 0xf8) {
+            return {arena_.text(kStrangeTags[any % kStrangeTags.size()]), nullptr};
+        }
+        const std::string &name = words.tags[any % words.tags.size()];
+        auto it = words.row_by_tag.find(name);
+        return {name.c_str(), it != words.row_by_tag.end() ? it->second : nullptr};
+    }
+
+    // A value of the hand list, or a fixed key value of the tables.
+    static std::string_view value(uint8_t at) {
+        const auto &fixed = fuzzwords::schema().values;
+        return at < kValues.size() || fixed.empty() ? kValues[at % kValues.size()]
+                                                    : fixed[at % fixed.size()];
+    }
+
     // Children are appended one at a time and each is filled before the next
     // append, since an append may move the earlier children of the same parent.
-    void fill(tidl_yfw_datatree *node, const char *parent_ns, std::size_t depth) {
+    void fill(tidl_yfw_datatree *node, const char *parent_ns, const ymap::WalkerRow *parent_row,
+              std::size_t depth) {
         const uint8_t tag = bytes_.next();
+        const ymap::WalkerRow *row = nullptr;
         if (depth == 0 && tag == 0) {
             node->tag = arena_.text(root_.tag);
+            row = root_.row;
         } else if (tag != 0xff) {
-            node->tag = arena_.text(kTags[tag % kTags.size()]);
+            const Pick pick = pick_tag(tag, parent_row);
+            node->tag = arena_.text(pick.tag);
+            row = pick.row;
         }
 
-        // Mostly the parent's, as a parsed document has it.
-        const uint8_t ns = bytes_.next() % 16;
-        const char *chosen = ns < 5 ? parent_ns : kNamespaces[ns - 5];
+        // Mostly the namespace of the row that walks the node, as a parsed
+        // document has it; else any of the tables', or none.
+        const uint8_t ns = bytes_.next();
+        const auto &namespaces = fuzzwords::schema().namespaces;
+        const char *chosen = row != nullptr && row->ns != nullptr ? row->ns : parent_ns;
+        if (ns >= 0xa0) {
+            const std::size_t at = (ns - 0xa0u) % (namespaces.size() + 1);
+            chosen = at < namespaces.size() ? namespaces[at].c_str() : nullptr;
+        }
         node->namespace_ = chosen != nullptr ? arena_.text(chosen) : nullptr;
 
         const uint8_t flags = bytes_.next();
@@ -440,7 +200,7 @@ private:
             break;
         case 2:
         case 3:
-            node->value = arena_.text(kValues[bytes_.next() % kValues.size()]);
+            node->value = arena_.text(value(bytes_.next()));
             node->present_value = 1;
             break;
         default:
@@ -465,7 +225,7 @@ private:
         for (uint32_t i = 0; i < count && nodes_ < kMaxNodes; ++i) {
             tidl_yfw_datatree *child = arena_.append_child(node);
             ++nodes_;
-            fill(child, node->namespace_, depth + 1);
+            fill(child, node->namespace_, row, depth + 1);
         }
     }
 
