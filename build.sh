@@ -7,7 +7,7 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-PACKAGES=(cmake ninja-build g++ clang libgtest-dev libgmock-dev libbenchmark-dev
+PACKAGES=(cmake ninja-build g++ clang libclang-rt-dev libgtest-dev libgmock-dev libbenchmark-dev
           libxml2-dev nlohmann-json3-dev libyang2-dev libyang2-tools pkg-config
           libnetconf2-dev libssh-dev python3-ncclient dpkg-dev file doxygen)
 
