@@ -341,23 +341,24 @@ std::optional<Failure> Device::edit(std::string_view config_xml, EditOptions opt
             to_native(trees_, models_, session, config_xml, false, roots, &options, defaults)) {
         return failed;
     }
-    Forest changed = store_;
+    Undo undo;
     try {
-        apply_edit(changed, children_of(*session.output()),
-                   options.default_operation == EditDefault::none ? DefaultOperation::none
-                                                                  : DefaultOperation::merge);
+        undo = apply_edit(store_, children_of(*session.output()),
+                          options.default_operation == EditDefault::none ? DefaultOperation::none
+                                                                         : DefaultOperation::merge);
     } catch (const EditError &e) {
         return Failure{e.tag, {}, {}, e.path, e.what()};
     }
     if (options.test_only) {
+        revert(store_, std::move(undo));
         return std::nullopt;
     }
     try {
-        file_.save(changed);
+        file_.save(store_);
     } catch (const std::exception &e) {
+        revert(store_, std::move(undo));
         return Failure{"operation-failed", {}, {}, {}, e.what()};
     }
-    store_ = std::move(changed);
     return std::nullopt;
 }
 

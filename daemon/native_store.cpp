@@ -2,11 +2,14 @@
 #include "native_store.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <cstdio>
 #include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -324,7 +327,7 @@ void fill(yfw::Arena &arena, tidl_yfw_datatree &t, const Node &n) {
     t.tag = arena.text(n.tag);
     t.namespace_ = arena.text(n.ns);
     if (n.has_value) {
-        t.value = arena.text(n.value);
+        t.value = arena.copy(n.value);
         t.present_value = 1;
     }
     for (const Node &c : n.children) {
@@ -389,18 +392,83 @@ tidl_yfw_datatree *to_document(yfw::Arena &arena, const Forest &forest) {
     return document;
 }
 
-void apply_edit(Forest &store, std::span<const tidl_yfw_datatree> edit,
+Undo apply_edit(Forest &store, std::span<const tidl_yfw_datatree> edit,
                 DefaultOperation default_op) {
-    Forest changed = store;
-    Editor(default_op).apply_roots(changed, edit);
-    store = std::move(changed);
+    // Only the roots the edit names are copied and changed: the cost of an
+    // edit is that of what it touches, not of the whole store.
+    const auto same = [](const std::string &tag, const std::string &ns) {
+        return [&](const Node &n) { return n.tag == tag && n.ns == ns; };
+    };
+    std::vector<RootUndo> staged; // the new roots, put in place at the end
+    Editor editor(default_op);
+    for (const tidl_yfw_datatree &e : edit) {
+        const std::string tag = text_of(e.tag);
+        const std::string ns = namespace_of(e, {});
+        auto it = std::find_if(staged.begin(), staged.end(),
+                               [&](const RootUndo &r) { return r.tag == tag && r.ns == ns; });
+        if (it == staged.end()) {
+            std::vector<Node> root;
+            if (auto have = std::find_if(store.begin(), store.end(), same(tag, ns));
+                have != store.end()) {
+                root.push_back(*have);
+            }
+            it = staged.insert(staged.end(), {tag, ns, 0, std::move(root)});
+        }
+        editor.apply_roots(it->root, std::span(&e, 1));
+    }
+    for (RootUndo &r : staged) {
+        auto have = std::find_if(store.begin(), store.end(), same(r.tag, r.ns));
+        r.index = static_cast<std::size_t>(have - store.begin());
+        if (have == store.end() && !r.root.empty()) {
+            store.push_back(std::move(r.root.front()));
+            r.root.clear();
+        } else if (have != store.end() && r.root.empty()) {
+            r.root.push_back(std::move(*have));
+            store.erase(have);
+        } else if (have != store.end()) {
+            std::swap(*have, r.root.front());
+        }
+    }
+    return staged;
+}
+
+void revert(Forest &store, Undo undo) {
+    for (auto r = undo.rbegin(); r != undo.rend(); ++r) {
+        auto have = std::find_if(store.begin(), store.end(),
+                                 [&](const Node &n) { return n.tag == r->tag && n.ns == r->ns; });
+        if (have != store.end() && r->root.empty()) {
+            store.erase(have);
+        } else if (have != store.end()) {
+            *have = std::move(r->root.front());
+        } else if (!r->root.empty()) {
+            store.insert(store.begin() + static_cast<std::ptrdiff_t>(r->index),
+                         std::move(r->root.front()));
+        }
+    }
 }
 
 Forest select(const Forest &store, std::span<const tidl_yfw_datatree> request) {
     return select_level(store, request, {}, {});
 }
 
+void check_private(const std::filesystem::path &path, std::string_view what) {
+    struct stat st {};
+    if (::stat(path.c_str(), &st) != 0) {
+        return;
+    }
+    if ((st.st_mode & (S_IWGRP | S_IWOTH)) != 0) {
+        std::array<char, 8> mode{};
+        std::snprintf(mode.data(), mode.size(), "%04o", static_cast<unsigned>(st.st_mode & 07777));
+        throw std::runtime_error(std::string(what) + " " + path.string() + " is writable by " +
+                                 ((st.st_mode & S_IWOTH) != 0 ? "others" : "its group") +
+                                 " (mode " + mode.data() +
+                                 "): make it the owner's alone, as "
+                                 "with chmod 600");
+    }
+}
+
 Forest StoreFile::load() const {
+    check_private(path_, "the store");
     std::error_code ec;
     if (!std::filesystem::exists(path_, ec)) {
         return {};
@@ -430,8 +498,9 @@ void StoreFile::save(const Forest &forest) const {
     std::filesystem::path temporary = path_;
     temporary += ".new";
     {
-        Fd fd(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644));
-        if (fd.get() < 0) {
+        Fd fd(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
+        // A temporary file left by a stop keeps its mode through O_TRUNC.
+        if (fd.get() < 0 || ::fchmod(fd.get(), S_IRUSR | S_IWUSR) != 0) {
             fail("cannot create", temporary);
         }
         write_all(fd.get(), text, temporary);

@@ -537,6 +537,7 @@ void run(const Options &options, std::span<const yfw_map_reg_mod_t> trees) {
     ocsysmapd::oper::OperState oper;
     device.set_operational([&device, &oper] { return oper.build(configuration_of(device)); });
     ensure_host_key(options.host_key);
+    ocsysmapd::check_private(options.host_key, "the host key");
     g_server = {ctx.get(), models.context(), &device, &oper.events(), 0};
 
     if (nc_server_init(ctx.get()) != 0) {

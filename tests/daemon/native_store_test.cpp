@@ -117,8 +117,10 @@ TEST(NativeStore, EditsApplyEachOperation) {
         const std::string before = xml_of(store);
         with_tree(c.edit, false, [&](auto edit) {
             if (c.error_tag == nullptr) {
-                ocsysmapd::apply_edit(store, edit, c.default_op);
+                ocsysmapd::Undo undo = ocsysmapd::apply_edit(store, edit, c.default_op);
                 EXPECT_EQ(xml_of(store), xml_of(forest_of(c.after)));
+                ocsysmapd::revert(store, std::move(undo));
+                EXPECT_EQ(xml_of(store), before);
                 return;
             }
             try {

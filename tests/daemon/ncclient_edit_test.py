@@ -7,6 +7,7 @@ usage: ncclient_edit_test.py OCSYSMAPD MODELS_DIR
 """
 import os
 import re
+import shutil
 import sys
 import tempfile
 import unittest
@@ -223,6 +224,22 @@ class EditTest(unittest.TestCase):
         role = data.find(f".//{{{OC}}}role")
         prefix, _, name = role.text.partition(":")
         self.assertEqual((role.nsmap.get(prefix), name), (TYPES, "SYSTEM_ROLE_ADMIN"))
+
+
+    def test_the_store_is_private_and_a_store_or_key_others_may_write_is_refused(self):
+        self.edit(users(("alice", "secret", "")))
+        self.assertEqual(os.stat(self.store).st_mode & 0o777, 0o600)
+        for name, store_mode, key_mode in [("store", 0o664, 0o600), ("host key", 0o600, 0o602)]:
+            with self.subTest(name):
+                store = os.path.join(self.dir.name, name.replace(" ", "-") + "-refused.xml")
+                shutil.copy(self.store, store)
+                shutil.copy(self.store + ".host-key", store + ".host-key")
+                os.chmod(store, store_mode)
+                os.chmod(store + ".host-key", key_mode)
+                device = Device(DAEMON, MODELS, store)
+                with self.assertRaisesRegex(RuntimeError, f"the {name} .* is writable by"):
+                    device.start()
+                self.assertNotEqual(device.process.returncode, 0)
 
 
 if __name__ == "__main__":
