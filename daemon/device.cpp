@@ -120,13 +120,122 @@ void replace_whole(yfw::Arena &arena, tidl_yfw_datatree &root) {
     }
 }
 
+std::string_view text_or_empty(const char *text) {
+    return text != nullptr ? text : "";
+}
+
+bool is_replace(const tidl_yfw_datatree &n) {
+    return n.present_operation && n.operation == OP_REPLACE;
+}
+
+std::span<tidl_yfw_datatree> children_to_change(tidl_yfw_datatree &n) {
+    if (!n.present_subtrees || n.subtrees == nullptr) {
+        return {};
+    }
+    return {n.subtrees, n.subtree_count};
+}
+
+// Every replace at or below `n` becomes a merge.
+void as_merge(tidl_yfw_datatree &n) {
+    if (is_replace(n)) {
+        yfw_dt_set_operation(&n, OP_MERGE);
+    }
+    for (tidl_yfw_datatree &c : children_to_change(n)) {
+        as_merge(c);
+    }
+}
+
+// `from` without its content under `parent`: its tag, namespace and, for a
+// list entry (`path` is the list's), its keys.
+tidl_yfw_datatree *bare_copy(yfw::Arena &arena, tidl_yfw_datatree *parent,
+                             const tidl_yfw_datatree &from, const std::string &path) {
+    tidl_yfw_datatree *copy = parent != nullptr ? arena.append_child(parent) : arena.new_root();
+    copy->tag = from.tag;
+    copy->namespace_ = from.namespace_;
+    for (std::string_view key : yfw::list_keys(path)) {
+        for (const tidl_yfw_datatree &c : children_of(from)) {
+            if (c.tag != nullptr && c.tag == key) {
+                tidl_yfw_datatree *k = arena.append_child(copy);
+                *k = tidl_yfw_datatree{};
+                k->tag = c.tag;
+                k->namespace_ = c.namespace_;
+                k->value = c.value;
+                k->present_value = c.present_value;
+            }
+        }
+    }
+    return copy;
+}
+
+// A replace of a leaf or container runs as two edits, each mapped on its
+// own: the removal of what it replaces, then the merge of the new content.
+// Mapped as one, the walkers' two passes meet in one native tree, where the
+// removal of all of a list's entries and the entry the merge names fall into
+// one node that says less than the client did. A list entry's two passes
+// name the entry alike, and stay together.
+bool splits(const tidl_yfw_datatree &n, const std::string &path) {
+    if (is_replace(n)) {
+        return yfw::list_keys(path).empty();
+    }
+    return std::any_of(children_of(n).begin(), children_of(n).end(),
+                       [&](const tidl_yfw_datatree &c) {
+                           return c.tag != nullptr && splits(c, path + "/" + c.tag);
+                       });
+}
+
+// Under `mirror`, the nodes below `node` whose replace splits, bare and as
+// removals, with the nodes that lead to them; in `node` those become merges.
+void split_replace(yfw::Arena &arena, tidl_yfw_datatree &node, tidl_yfw_datatree &mirror,
+                   const std::string &path) {
+    for (tidl_yfw_datatree &c : children_to_change(node)) {
+        if (c.tag == nullptr || !splits(c, path + "/" + c.tag)) {
+            continue;
+        }
+        const std::string below = path + "/" + c.tag;
+        tidl_yfw_datatree *m = bare_copy(arena, &mirror, c, below);
+        if (is_replace(c)) {
+            yfw_dt_set_operation(m, OP_REMOVE);
+            as_merge(c);
+        } else {
+            split_replace(arena, c, *m, below);
+        }
+    }
+}
+
+// The removal half of the replaces in `root`, mapped into `removals`.
+std::optional<Failure> map_removals(const yfw_map_reg_mod_t &tree, yfw::Session &removals,
+                                    tidl_yfw_datatree &root) {
+    std::vector<tidl_yfw_datatree *> halves;
+    const std::string path = "/" + std::string(text_or_empty(root.tag));
+    if (is_replace(root)) {
+        halves.push_back(bare_copy(removals.arena(), nullptr, root, path));
+        yfw_dt_set_operation(halves.back(), OP_REMOVE);
+        yfw_dt_set_operation(&root, OP_MERGE);
+    }
+    tidl_yfw_datatree *mirror = bare_copy(removals.arena(), nullptr, root, path);
+    split_replace(removals.arena(), root, *mirror, path);
+    if (!children_of(*mirror).empty()) {
+        halves.push_back(mirror);
+    }
+    for (tidl_yfw_datatree *half : halves) {
+        removals.note_input(half);
+        const cerrno status = tree.oc_to_native(removals.ctx(), half, removals.output());
+        if (status != YFW_SUCCESS) {
+            return mapping_failure(status, removals);
+        }
+    }
+    return std::nullopt;
+}
+
 // Parses OpenConfig roots and runs each through the OpenConfig root walker;
-// the native tree is then the session's output.
+// the native tree is then the session's output. In an edit, the removal half
+// of its replaces goes to `removals` first.
 std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
                                  const yang::Models &models, yfw::Session &session,
                                  std::string_view text, bool read_kind,
                                  std::vector<tidl_yfw_datatree *> &roots, const EditOptions *edit,
-                                 const std::function<void(lyd_node *)> &prepare = {}) {
+                                 const std::function<void(lyd_node *)> &prepare = {},
+                                 yfw::Session *removals = nullptr) {
     try {
         const yang::Data data =
             yang::parse(models, text, yang::Format::xml,
@@ -162,6 +271,11 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
         }
         if (edit != nullptr && edit->default_operation == EditDefault::replace) {
             replace_whole(session.arena(), *root);
+        }
+        if (removals != nullptr && splits(*root, "/" + std::string(text_or_empty(root->tag)))) {
+            if (auto failed = map_removals(trees.front(), *removals, *root)) {
+                return failed;
+            }
         }
         session.note_input(root);
         const cerrno status = trees.front().oc_to_native(session.ctx(), root, session.output());
@@ -332,31 +446,40 @@ void Device::add_key_defaults(lyd_node *tree, EditDefault default_op) {
 }
 
 std::optional<Failure> Device::edit(std::string_view config_xml, EditOptions options) {
+    yfw::Session removals(KIND_EDIT_A);
     yfw::Session session(KIND_EDIT_A);
     std::vector<tidl_yfw_datatree *> roots;
     const auto defaults = [&](lyd_node *tree) {
         add_key_defaults(tree, options.default_operation);
     };
-    if (auto failed =
-            to_native(trees_, models_, session, config_xml, false, roots, &options, defaults)) {
+    if (auto failed = to_native(trees_, models_, session, config_xml, false, roots, &options,
+                                defaults, &removals)) {
         return failed;
     }
+    // The removals of the replaces first, then the edit; undone in reverse.
+    Undo removed;
     Undo undo;
+    const auto undo_all = [&] {
+        revert(store_, std::move(undo));
+        revert(store_, std::move(removed));
+    };
     try {
+        removed = apply_edit(store_, children_of(*removals.output()), DefaultOperation::merge);
         undo = apply_edit(store_, children_of(*session.output()),
                           options.default_operation == EditDefault::none ? DefaultOperation::none
                                                                          : DefaultOperation::merge);
     } catch (const EditError &e) {
+        revert(store_, std::move(removed));
         return Failure{e.tag, {}, {}, e.path, e.what()};
     }
     if (options.test_only) {
-        revert(store_, std::move(undo));
+        undo_all();
         return std::nullopt;
     }
     try {
         file_.save(store_);
     } catch (const std::exception &e) {
-        revert(store_, std::move(undo));
+        undo_all();
         return Failure{"operation-failed", {}, {}, {}, e.what()};
     }
     return std::nullopt;
