@@ -20,13 +20,17 @@
 //            [value], [bogus count], child count (mod 5), then the children,
 //            depth first
 //   Set WALK_FUZZ_VERBOSE to print the input and output of each run.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <functional>
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "ocsysmap_io.hpp"
 #include "schema_words.hpp"
@@ -235,6 +239,125 @@ private:
     std::size_t nodes_ = 0;
 };
 
+// The bytes that TreeBuilder turns into `tree` (as near as the choices
+// allow): how walk_seeds makes seeds of the examples. A node beyond the
+// builder's reach (a fifth child, a depth past kMaxDepth, a tag no table
+// holds) is left out, a value of no list becomes one of kValues.
+class SeedWriter {
+public:
+    std::string write(const tidl_yfw_datatree &tree, uint32_t kind) {
+        const auto &roots = fuzzwords::schema().roots;
+        const auto at = std::find_if(roots.begin(), roots.end(), [&](const Root &r) {
+            return tree.tag != nullptr && tree.namespace_ != nullptr && r.tag == tree.tag &&
+                   r.ns == tree.namespace_;
+        });
+        if (at == roots.end()) {
+            return {};
+        }
+        const auto k = std::find(kKinds.begin(), kKinds.end(), kind);
+        out_ += static_cast<char>(k - kKinds.begin());
+        out_ += static_cast<char>(at - roots.begin());
+        node(tree, at->ns.c_str(), at->row, 0, true);
+        return out_;
+    }
+
+private:
+    // The tag byte (and the two that may follow) and the row the builder
+    // then takes; false when no byte gives the tag.
+    bool tag(std::string_view name, const ymap::WalkerRow *parent, const ymap::WalkerRow *&row) {
+        const auto &words = fuzzwords::schema();
+        const auto &picks = words.picks_of(parent);
+        for (std::size_t i = 0; i < picks.size() && i < 0xc0; ++i) {
+            if (picks[i].tag == name) {
+                out_ += static_cast<char>(i);
+                row = picks[i].row;
+                return true;
+            }
+        }
+        const auto it = std::find(words.tags.begin(), words.tags.end(), name);
+        if (it == words.tags.end()) {
+            return false;
+        }
+        const std::size_t any = static_cast<std::size_t>(it - words.tags.begin());
+        out_ += static_cast<char>(0xc0);
+        out_ += static_cast<char>(any >> 8);
+        out_ += static_cast<char>(any & 0xff);
+        const auto found = words.row_by_tag.find(name);
+        row = found != words.row_by_tag.end() ? found->second : nullptr;
+        return true;
+    }
+
+    static bool reachable(const tidl_yfw_datatree &n) {
+        const auto &words = fuzzwords::schema();
+        return n.tag != nullptr &&
+               std::find(words.tags.begin(), words.tags.end(), n.tag) != words.tags.end();
+    }
+
+    void node(const tidl_yfw_datatree &n, const char *parent_ns, const ymap::WalkerRow *parent,
+              std::size_t depth, bool root) {
+        const ymap::WalkerRow *row = parent;
+        if (root) {
+            out_ += '\0';
+        } else {
+            (void)tag(n.tag, parent, row);
+        }
+        const char *ns = n.namespace_ != nullptr ? n.namespace_ : parent_ns;
+        const char *natural = row != nullptr && row->ns != nullptr ? row->ns : parent_ns;
+        const auto &namespaces = fuzzwords::schema().namespaces;
+        const auto named = std::find(namespaces.begin(), namespaces.end(), ns ? ns : "");
+        if (ns == nullptr || (natural != nullptr && std::strcmp(ns, natural) == 0) ||
+            named == namespaces.end() || named - namespaces.begin() >= 0x60) {
+            out_ += '\0';
+            ns = natural;
+        } else {
+            out_ += static_cast<char>(0xa0 + (named - namespaces.begin()));
+        }
+        uint8_t flags = 0;
+        if (n.present_operation) {
+            flags = n.operation == OP_MERGE     ? 3
+                    : n.operation == OP_REPLACE ? 4
+                    : n.operation == OP_DELETE  ? 5
+                    : n.operation == OP_REMOVE  ? 6
+                                                : 0;
+        }
+        const bool valued = n.present_value && n.value != nullptr;
+        if (valued) {
+            flags |= *n.value == '\0' ? 0x08 : 0x10;
+        }
+        out_ += static_cast<char>(flags);
+        if (valued && *n.value != '\0') {
+            out_ += static_cast<char>(value_index(n.value));
+        }
+        std::vector<const tidl_yfw_datatree *> kids;
+        for (uint32_t i = 0; i < n.subtree_count && n.subtrees != nullptr; ++i) {
+            if (kids.size() < kMaxChildren && depth < kMaxDepth && reachable(n.subtrees[i])) {
+                kids.push_back(&n.subtrees[i]);
+            }
+        }
+        out_ += static_cast<char>(kids.size());
+        for (const tidl_yfw_datatree *kid : kids) {
+            node(*kid, ns, row, depth + 1, false);
+        }
+    }
+
+    static uint8_t value_index(std::string_view value) {
+        if (const auto it = std::find(kValues.begin(), kValues.end(), value); it != kValues.end()) {
+            return static_cast<uint8_t>(it - kValues.begin());
+        }
+        const auto &fixed = fuzzwords::schema().values;
+        if (const auto it = std::find(fixed.begin(), fixed.end(), value); it != fixed.end()) {
+            for (std::size_t at = kValues.size(); at < 256; ++at) {
+                if (at % fixed.size() == static_cast<std::size_t>(it - fixed.begin())) {
+                    return static_cast<uint8_t>(at);
+                }
+            }
+        }
+        return static_cast<uint8_t>(std::hash<std::string_view>{}(value) % kValues.size());
+    }
+
+    std::string out_;
+};
+
 void require(bool holds, const char *what) {
     if (!holds) {
         std::fprintf(stderr, "walk_fuzz: broken: %s\n", what);
@@ -307,6 +430,10 @@ void walk_once(Bytes &bytes) {
 }
 
 } // namespace
+
+std::string walk_fuzz_seed(const tidl_yfw_datatree &root, uint32_t kind) {
+    return SeedWriter().write(root, kind);
+}
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const std::size_t live_before = yfw::live_allocations();
