@@ -11,6 +11,7 @@
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -150,12 +151,12 @@ Context protocol_context() {
 
 // Each module of the models' context with its revision, as a capability of
 // the server: the OpenConfig modules, naming the device's deviations of them,
-// and the device's own.
-void advertise(ly_ctx *models) {
+// the device's own, and the modules they import (so that a client can fetch
+// each with get-schema). The protocol context advertises its own.
+void advertise(ly_ctx *models, const ly_ctx *protocol) {
     uint32_t index = 0;
     while (const lys_module *m = ly_ctx_get_module_iter(models, &index)) {
-        if (!m->implemented || std::string_view(m->name).starts_with("ietf-") ||
-            std::string_view(m->name) == "yang") {
+        if (ly_ctx_get_module_latest(protocol, m->name) != nullptr) {
             continue;
         }
         std::string capability = std::string(m->ns) + "?module=" + m->name;
@@ -338,6 +339,40 @@ nc_server_reply *data_reply(lyd_node *rpc, const std::string &data, LYD_ANYDATA_
     return nc_server_reply_data(reply, NC_WD_EXPLICIT, NC_PARAMTYPE_FREE);
 }
 
+// The schemas that get-schema serves (RFC 6022), submodules included, for
+// clients that learn them from /netconf-state/schemas rather than the hello.
+std::string schemas_xml() {
+    std::string out =
+        "<netconf-state xmlns=\"urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring\">"
+        "<schemas>";
+    std::set<std::string> listed;
+    auto entry = [&](const char *name, const char *revision, const char *ns) {
+        const std::string version = revision != nullptr ? revision : "";
+        if (!listed.insert(std::string(name) + "@" + version).second) {
+            return;
+        }
+        out.append("<schema><identifier>").append(name).append("</identifier><version>");
+        out.append(version).append("</version><format>yang</format><namespace>").append(ns);
+        out.append("</namespace><location>NETCONF</location></schema>");
+    };
+    for (const ly_ctx *ctx : {g_server.models, g_server.ctx}) {
+        uint32_t index = 0;
+        while (const lys_module *m = ly_ctx_get_module_iter(ctx, &index)) {
+            entry(m->name, m->revision, m->ns);
+            const lysp_include *includes = m->parsed != nullptr ? m->parsed->includes : nullptr;
+            LY_ARRAY_COUNT_TYPE i;
+            LY_ARRAY_FOR(includes, i) {
+                const lysp_submodule *sub = includes[i].submodule;
+                if (sub != nullptr) {
+                    entry(sub->name, LY_ARRAY_COUNT(sub->revs) > 0 ? sub->revs[0].date : nullptr,
+                          m->ns);
+                }
+            }
+        }
+    }
+    return out + "</schemas></netconf-state>";
+}
+
 nc_server_reply *read_reply(lyd_node *rpc, uint32_t kind) {
     std::optional<std::string> filter = any_text(rpc, "filter");
     std::string data;
@@ -347,6 +382,10 @@ nc_server_reply *read_reply(lyd_node *rpc, uint32_t kind) {
     }
     if (auto failed = g_server.device->read(kind, wrapped_filter, data)) {
         return error_reply(*failed);
+    }
+    if (kind == KIND_GET &&
+        (!wrapped_filter || filter->find("netconf-state") != std::string::npos)) {
+        data += schemas_xml();
     }
     return data_reply(rpc, data, LYD_ANYDATA_XML);
 }
@@ -549,7 +588,7 @@ void run(const Options &options, std::span<const yfw_map_reg_mod_t> trees) {
             lys_find_path(ctx.get(), nullptr, "/ietf-netconf-monitoring:get-schema", 0)) {
         const_cast<lysc_node *>(get_schema)->priv = nullptr;
     }
-    advertise(models.context());
+    advertise(models.context(), ctx.get());
     Login login{options.user, options.password};
     nc_set_global_rpc_clb(serve);
     nc_server_ssh_set_hostkey_clb(host_key_path,

@@ -23,6 +23,7 @@ from ncclient.xml_ import to_ele  # noqa: E402
 
 DAEMON, MODELS = sys.argv[1], sys.argv[2]
 EV = "urn:ocsysmap:yang:ocsysmapd-events"
+NCM = "urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring"
 EXT = "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-terminal-ext"
 DEV = "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-deviations"
 NS = {"oc": OC, "grpc": "http://openconfig.net/yang/system-grpc", "ext": EXT}
@@ -200,6 +201,15 @@ class OperStateTest(unittest.TestCase):
             with self.subTest(event=name):
                 self.assertTrue(self.nc.dispatch(rpc).ok)
                 self.assertEqual(self.get().findtext(path, namespaces=NS), text)
+
+    def test_schemas_listed_are_served(self):
+        reply = self.nc.get(filter=("subtree", f'<netconf-state xmlns="{NCM}"/>'))
+        listed = {e.text for e in reply.data_ele.iterfind(".//ncm:identifier", {"ncm": NCM})}
+        # Submodules too, which the hello does not name.
+        self.assertLessEqual({*OC_MODULES, "openconfig-aaa-tacacs",
+                              "Tarvex-QV-openconfig-system-deviations"}, listed)
+        self.assertIn("deviate not-supported",
+                      self.nc.get_schema("Tarvex-QV-openconfig-system-deviations").data)
 
     def test_bad_events_are_refused(self):
         cases = [
