@@ -111,6 +111,12 @@ private:
         });
     }
 
+    static std::ptrdiff_t count_matches(const std::vector<Node> &siblings,
+                                        const tidl_yfw_datatree &e, const Place &p) {
+        return std::count_if(siblings.begin(), siblings.end(),
+                             [&](const Node &n) { return matches(n, e, p); });
+    }
+
     static bool is_key(const Place &p, const tidl_yfw_datatree &c) {
         return std::find(p.keys.begin(), p.keys.end(), text_of(c.tag)) != p.keys.end();
     }
@@ -132,6 +138,13 @@ private:
             if (found == siblings.end()) {
                 throw EditError("data-missing", p.shown_path,
                                 "delete of " + p.shown_path + ", which does not exist");
+            }
+            // A client's delete names one entry: without its keys, among
+            // several, it must not take them all.
+            if (!p.keys_complete && count_matches(siblings, e, p) > 1) {
+                throw EditError("missing-element", p.shown_path,
+                                "delete of " + p.shown_path +
+                                    ", which names several entries without their keys");
             }
             [[fallthrough]];
         case OP_REMOVE:
@@ -177,9 +190,7 @@ private:
         }
         // Only a delete may name entries by some of their keys; anything else
         // without all of them must agree with exactly one entry.
-        if (!p.keys_complete && std::count_if(siblings.begin(), siblings.end(), [&](const Node &n) {
-                                    return matches(n, e, p);
-                                }) != 1) {
+        if (!p.keys_complete && count_matches(siblings, e, p) != 1) {
             throw missing_keys(p);
         }
         merge_into(*found, e, below, below != kNoOperation || e.present_operation, p);

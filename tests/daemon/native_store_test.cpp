@@ -107,6 +107,11 @@ TEST(NativeStore, EditsApplyEachOperation) {
          ntp("<peer-vrfs><peer-vrf><vrf-name>default</vrf-name><peer-ipv4s><peer-ipv4><iburst>"
              "</iburst></peer-ipv4></peer-ipv4s></peer-vrf></peer-vrfs>"),
          DefaultOperation::merge, "", "missing-element"},
+        {"a delete without its key among several", two,
+         ntp("<peer-vrfs><peer-vrf><vrf-name>default</vrf-name><peer-ipv4s>"
+             R"(<peer-ipv4 nc:operation="delete"><iburst/></peer-ipv4></peer-ipv4s></peer-vrf>)"
+             "</peer-vrfs>"),
+         DefaultOperation::merge, "", "missing-element"},
         {"none only leads to the nodes that carry an operation", ntp("<max>1</max>"),
          ntp(R"(<max>5</max><auth><enable nc:operation="merge"></enable></auth>)"),
          DefaultOperation::none, ntp("<max>1</max><auth><enable></enable></auth>"), nullptr},

@@ -17,6 +17,7 @@ from lxml import etree
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
 from device_harness import NC, OC, Device, config  # noqa: E402
+from ncclient.operations import RPCError  # noqa: E402
 
 DAEMON, MODELS = sys.argv[1], sys.argv[2]
 GRPC = "http://openconfig.net/yang/system-grpc"
@@ -256,6 +257,20 @@ class EditTest(unittest.TestCase):
                 with self.assertRaisesRegex(RuntimeError, f"the {name} .* is writable by"):
                     device.start()
                 self.assertNotEqual(device.process.returncode, 0)
+
+
+    def test_a_delete_the_store_cannot_tell_from_a_delete_of_all_is_refused(self):
+        both = syslog(("192.0.2.9", 514), ("192.0.2.10", 514))
+        self.edit(both)
+        with open(self.store, "rb") as f:
+            before = f.read()
+        with self.assertRaises(RPCError) as caught:
+            self.edit('<logging><remote-servers><remote-server nc:operation="delete">'
+                      "<host>192.0.2.9</host></remote-server></remote-servers></logging>")
+        self.assertEqual(caught.exception.tag, "missing-element")
+        with open(self.store, "rb") as f:
+            self.assertEqual(f.read(), before)
+        self.assert_running(both)
 
 
 if __name__ == "__main__":
