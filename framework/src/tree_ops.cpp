@@ -223,8 +223,10 @@ cerrno yfw_map_datatree_update_namespace(yfw_map_ctx *ctx, tidl_yfw_datatree *ou
         return YFW_ERR_INVALID_ARGS;
     Editor editor(*session->home, namespace_);
     tidl_yfw_datatree *node = editor.find(out_tree, segments);
+    // A node that was never added has no namespace to change: a native Telnet
+    // VRF entry with neither family adds none, and is empty state, not a fault.
     if (node == nullptr)
-        return YFW_ERR_BAD_TREE;
+        return YFW_SUCCESS;
     node->namespace_ = intern(editor.arena_for(node), namespace_);
     return YFW_SUCCESS;
 }
