@@ -290,6 +290,9 @@ enum : uint16_t {
     // before it looks at its tree, so that the operational answer stands alone.
     kRaisesDnsOper = 1u << 6,
     kYieldsToDnsOper = 1u << 7,
+    // The root of every request: when it succeeds, no error tag is left from a
+    // refusal whose status a walk-all pass dropped on the way.
+    kRequestRoot = 1u << 8,
 };
 
 struct WalkerRow {

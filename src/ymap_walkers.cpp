@@ -697,10 +697,8 @@ cerrno augment_parser(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree 
     return end(row, ctx, status);
 }
 
-} // namespace
-
-cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-                  tidl_yfw_datatree *out_tree) {
+cerrno walk(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+            tidl_yfw_datatree *out_tree) {
     if (!frame_start(ctx, row.name, node, out_tree))
         return YFW_ERR_INVALID_ARGS;
     if ((row.flags & (kRaisesDnsOper | kYieldsToDnsOper)) != 0) {
@@ -727,6 +725,19 @@ cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
         return augment_parser(row, ctx, node);
     }
     return end(row, ctx, YFW_SUCCESS); // not reached: every kind is a case
+}
+
+} // namespace
+
+cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
+                  tidl_yfw_datatree *out_tree) {
+    const cerrno status = walk(row, ctx, node, out_tree);
+    yfw_map_state *st = ctx->state;
+    if ((row.flags & kRequestRoot) != 0 && status == YFW_SUCCESS && st->error_tag != nullptr) {
+        qvos_named_free(st->error_tag);
+        st->error_tag = nullptr;
+    }
+    return status;
 }
 
 } // namespace ymap

@@ -278,6 +278,11 @@ void report(std::ostream &err, cerrno status, yfw::Session &session) {
     } else {
         err << hex(status) << '\n';
     }
+    // A run that succeeded names no failed node, whatever a refusal whose
+    // status was dropped along the way left behind.
+    if (status == YFW_SUCCESS) {
+        return;
+    }
     const yfw_map_state *state = session.state();
     if (state->error_tag != nullptr) {
         err << "error-tag: " << state->error_tag << '\n';
