@@ -291,6 +291,14 @@ void write_deviation(std::ostream &out, const std::vector<Verdict> &verdicts) {
         last_removed = v.path;
         out << "\n  deviation \"" << v.path << "\" {\n    deviate not-supported;\n  }\n";
     }
+    // A selector's facility never comes back from the native side: the key
+    // stands alone, with no config/facility to refer to.
+    for (const char *selectors : {"oc-sys:console", "oc-sys:remote-servers/oc-sys:remote-server"}) {
+        out << "\n  deviation \"/oc-sys:system/oc-sys:logging/" << selectors
+            << "/oc-sys:selectors/oc-sys:selector/oc-sys:facility\" {\n"
+               "    deviate replace {\n"
+               "      type identityref { base oc-log:SYSLOG_FACILITY; }\n    }\n  }\n";
+    }
     out << "}\n";
 }
 

@@ -22,16 +22,13 @@ namespace {
 namespace yang = ocsysmap::yang;
 
 // Answers the models refuse for reasons outside the tool, each still made so
-// that a fix shows here: a selector keyed by the device's facility "NONE" has
-// no config/facility behind its key (the facility never travels back from
-// the native side), which a configuration answer needs.
+// that a fix shows here. None is left: the device's deviation module gives
+// the "NONE" facility and lets a selector's key stand without config/facility.
 struct Known {
     std::string_view path_part;
     std::string_view message_part;
 };
-constexpr std::array<Known, 1> kKnownRefusals{{
-    {"]/facility", ":NONE\" - no target instance"},
-}};
+constexpr std::array<Known, 0> kKnownRefusals{};
 std::set<std::size_t> g_known_seen;
 
 std::vector<yang::Diagnostic> unexplained(const std::vector<yang::Diagnostic> &found) {
