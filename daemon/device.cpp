@@ -414,6 +414,21 @@ bool Device::holds(const lyd_node *entry) {
 }
 
 void Device::add_key_defaults(lyd_node *tree, EditDefault default_op) {
+    // A node the models could not place (text beside elements, say) is left to
+    // the walkers to refuse: libyang's XPath crashes on such a tree. An empty
+    // leaf under a delete is opaque too, and harmless.
+    for (const lyd_node *root = tree; root != nullptr; root = root->next) {
+        const lyd_node *node = nullptr;
+        LYD_TREE_DFS_BEGIN(root, node) {
+            if (node->schema == nullptr &&
+                (lyd_child(node) != nullptr || node->parent == nullptr ||
+                 lyd_parent(node)->schema == nullptr ||
+                 *reinterpret_cast<const lyd_node_opaq *>(node)->value != '\0')) {
+                return;
+            }
+            LYD_TREE_DFS_END(root, node);
+        }
+    }
     for (const std::string_view path : kKeyedDefaults) {
         const std::size_t leaf_at = path.rfind('/', path.rfind('/') - 1);
         const std::string entries(path.substr(0, leaf_at));
