@@ -394,7 +394,7 @@ nc_server_reply *read_reply(lyd_node *rpc, uint32_t kind) {
 // its file holds it, a protocol module as the server's context prints it.
 std::optional<std::string> schema_text(const std::string &name, const std::string &version) {
     for (const ocsysmap::yang::DeviceModule &m : ocsysmap::yang::device_modules()) {
-        if (m.name == name && (version.empty() || m.revision == version)) {
+        if (!m.text.empty() && m.name == name && (version.empty() || m.revision == version)) {
             return std::string(m.text);
         }
     }
