@@ -193,6 +193,7 @@ private:
 
 std::vector<tidl_yfw_datatree *> parse_ietf_json(yfw::Arena &arena, std::string_view text,
                                                  bool read_kind) {
+    detail::require_utf8(text, "JSON");
     ordered_json top;
     try {
         top = ordered_json::parse(text);

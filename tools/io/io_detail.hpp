@@ -121,23 +121,66 @@ private:
     std::string text_;
 };
 
-// The value as JSON writes it, quotes included; invalid UTF-8 becomes U+FFFD.
-std::string json_quote(std::string_view text);
+// The length of the well-formed UTF-8 sequence that `text` begins with (no
+// overlong form, no surrogate, nothing past U+10FFFF), or 0 when it begins
+// with none.
+inline std::size_t utf8_length(std::string_view text) {
+    const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[i]); };
+    const unsigned char lead = byte(0);
+    if (lead < 0x80) {
+        return 1;
+    }
+    // The length by the lead byte, and the bounds of the second byte that
+    // rule out overlong forms, surrogates and code points past U+10FFFF.
+    std::size_t length = 0;
+    unsigned char low = 0x80;
+    unsigned char high = 0xBF;
+    if (lead >= 0xC2 && lead <= 0xDF) {
+        length = 2;
+    } else if (lead >= 0xE0 && lead <= 0xEF) {
+        length = 3;
+        low = lead == 0xE0 ? 0xA0 : 0x80;
+        high = lead == 0xED ? 0x9F : 0xBF;
+    } else if (lead >= 0xF0 && lead <= 0xF4) {
+        length = 4;
+        low = lead == 0xF0 ? 0x90 : 0x80;
+        high = lead == 0xF4 ? 0x8F : 0xBF;
+    }
+    if (length == 0 || text.size() < length || byte(1) < low || byte(1) > high) {
+        return 0;
+    }
+    for (std::size_t i = 2; i < length; ++i) {
+        if ((byte(i) & 0xC0) != 0x80) {
+            return 0;
+        }
+    }
+    return length;
+}
 
-// The same, appended to one string over and over without a string of its own
-// per text.
+// Every reader refuses a text that is not UTF-8, wherever it stands (CDATA
+// included): throws ParseError naming the format, the line and the byte.
+void require_utf8(std::string_view text, std::string_view format);
+
+// Appends the text as a JSON string, quotes included: the two-character
+// escapes where JSON has them, other control characters as \u00XX, UTF-8 as
+// it stands, and U+FFFD for each byte that does not begin well-formed UTF-8.
+void append_json_quoted(std::string &out, std::string_view text);
+
+// The value as JSON writes it, quotes included.
+inline std::string json_quote(std::string_view text) {
+    std::string out;
+    append_json_quoted(out, text);
+    return out;
+}
+
+// The same, appended to one string over and over.
 class JsonQuoter {
 public:
-    explicit JsonQuoter(std::string &out);
-    ~JsonQuoter();
-    JsonQuoter(const JsonQuoter &) = delete;
-    JsonQuoter &operator=(const JsonQuoter &) = delete;
-    void append(std::string_view text);
-
-    struct Impl;
+    explicit JsonQuoter(std::string &out) : out_(out) {}
+    void append(std::string_view text) { append_json_quoted(out_, text); }
 
 private:
-    std::unique_ptr<Impl> impl_;
+    std::string &out_;
 };
 
 // The operation's name where it has one, else its number, appended to `out`.

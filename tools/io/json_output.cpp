@@ -1,8 +1,6 @@
 // The lossless JSON form: every field whose presence bit is raised, the
 // namespace only where it changes (as a module name where one is known).
 // Written as it goes, laid out as a JSON library prints with an indent of two.
-#include <nlohmann/json.hpp>
-
 #include "io_detail.hpp"
 #include "ocsysmap_io.hpp"
 
@@ -10,28 +8,62 @@ namespace ocsysmap {
 
 namespace detail {
 
-// The JSON library's own escaping, so that texts come out exactly as it
-// prints them, invalid UTF-8 included.
-struct JsonQuoter::Impl {
-    explicit Impl(std::string &out)
-        : serializer(nlohmann::detail::output_adapter<char>(out), ' ',
-                     nlohmann::ordered_json::error_handler_t::replace) {}
-    nlohmann::detail::serializer<nlohmann::ordered_json> serializer;
-    nlohmann::ordered_json scratch = ""; // a string value, refilled for each text
-};
-
-JsonQuoter::JsonQuoter(std::string &out) : impl_(std::make_unique<Impl>(out)) {}
-JsonQuoter::~JsonQuoter() = default;
-
-void JsonQuoter::append(std::string_view text) {
-    impl_->scratch.get_ref<std::string &>().assign(text);
-    impl_->serializer.dump(impl_->scratch, false, false, 0);
-}
-
-std::string json_quote(std::string_view text) {
-    std::string out;
-    JsonQuoter(out).append(text);
-    return out;
+void append_json_quoted(std::string &out, std::string_view text) {
+    static constexpr char kHex[] = "0123456789abcdef";
+    out += '"';
+    std::size_t plain = 0; // where the run of bytes that stand as they are began
+    for (std::size_t i = 0; i < text.size();) {
+        const auto c = static_cast<unsigned char>(text[i]);
+        if (c >= 0x20 && c != '"' && c != '\\' && c < 0x80) {
+            ++i;
+            continue;
+        }
+        std::size_t length = 1;
+        if (c >= 0x80) {
+            length = utf8_length(text.substr(i));
+            if (length != 0) {
+                i += length;
+                continue;
+            }
+            length = 1;
+        }
+        out.append(text, plain, i - plain);
+        switch (c) {
+        case '"':
+            out += "\\\"";
+            break;
+        case '\\':
+            out += "\\\\";
+            break;
+        case '\b':
+            out += "\\b";
+            break;
+        case '\f':
+            out += "\\f";
+            break;
+        case '\n':
+            out += "\\n";
+            break;
+        case '\r':
+            out += "\\r";
+            break;
+        case '\t':
+            out += "\\t";
+            break;
+        default:
+            if (c < 0x20) {
+                out += "\\u00";
+                out += kHex[c >> 4];
+                out += kHex[c & 0xF];
+            } else {
+                out += "\xEF\xBF\xBD"; // U+FFFD for a byte that begins no character
+            }
+        }
+        i += length;
+        plain = i;
+    }
+    out.append(text, plain, text.size() - plain);
+    out += '"';
 }
 
 } // namespace detail

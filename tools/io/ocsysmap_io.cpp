@@ -1,6 +1,7 @@
 // Choosing the input format, and the document root the writers take.
 #include "ocsysmap_io.hpp"
 
+#include <cstdio>
 #include <ostream>
 
 #include "io_detail.hpp"
@@ -17,6 +18,10 @@ std::vector<tidl_yfw_datatree *> parse_input(yfw::Arena &arena, std::string_view
     if (first == std::string_view::npos) {
         throw ParseError("the input is empty");
     }
+    const bool xml = text[first] == '<';
+    if (xml || text[first] == '{' || text[first] == '[') {
+        detail::require_utf8(text, xml ? "XML" : "JSON");
+    }
     switch (text[first]) {
     case '<':
         return detail::parse_xml(arena, text, read_kind);
@@ -30,6 +35,21 @@ std::vector<tidl_yfw_datatree *> parse_input(yfw::Arena &arena, std::string_view
 }
 
 namespace detail {
+void require_utf8(std::string_view text, std::string_view format) {
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t length = utf8_length(text.substr(at));
+        if (length != 0) {
+            at += length;
+            continue;
+        }
+        const auto line = 1 + std::count(text.begin(), text.begin() + static_cast<long>(at), '\n');
+        char byte[8];
+        std::snprintf(byte, sizeof byte, "0x%02X", static_cast<unsigned char>(text[at]));
+        throw ParseError(std::string(format) + " line " + std::to_string(line) +
+                         ": the text is not UTF-8 (byte " + byte + ")");
+    }
+}
+
 void Sink::flush() {
     if (stream_ != nullptr && !text_.empty()) {
         stream_->write(text_.data(), static_cast<std::streamsize>(text_.size()));
