@@ -219,15 +219,28 @@ void Editor::set_value(tidl_yfw_datatree *parent, tidl_yfw_datatree *node, const
     auto *valued = block != nullptr && block->tag_indexed() && node->tag != nullptr
                        ? &block->lookups->by_tag_value
                        : nullptr;
+    // The index answers as a scan would: the first sibling with the tag and value.
+    const uint32_t at = parent != nullptr ? position(parent, node) : 0;
     if (valued != nullptr && node->value != nullptr) {
         auto it = valued->find(tag_value_key(node->tag, node->value));
-        if (it != valued->end() && it->second == position(parent, node))
+        if (it != valued->end() && it->second == at) {
             valued->erase(it);
+            auto kids = children(parent);
+            for (uint32_t i = at + 1; i < kids.size(); ++i) {
+                if (has_tag(kids[i], node->tag) && same_text(kids[i].value, node->value)) {
+                    valued->try_emplace(tag_value_key(node->tag, node->value), i);
+                    break;
+                }
+            }
+        }
     }
     node->value = copy_text(arena_for(node), value);
     node->present_value = 1;
-    if (valued != nullptr)
-        valued->try_emplace(tag_value_key(node->tag, value), position(parent, node));
+    if (valued != nullptr) {
+        auto [it, fresh] = valued->try_emplace(tag_value_key(node->tag, value), at);
+        if (!fresh && it->second > at)
+            it->second = at;
+    }
 }
 
 ListState *Editor::list_state(tidl_yfw_datatree *parent, std::string_view tag,

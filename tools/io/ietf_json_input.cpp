@@ -197,7 +197,7 @@ std::vector<tidl_yfw_datatree *> parse_ietf_json(yfw::Arena &arena, std::string_
     ordered_json top;
     try {
         top = ordered_json::parse(text);
-    } catch (const ordered_json::parse_error &e) {
+    } catch (const ordered_json::exception &e) { // a syntax error, or a number out of range
         throw ParseError(std::string("JSON: ") + e.what());
     }
     return IetfJsonBuilder(arena, read_kind).roots(top);
