@@ -114,6 +114,23 @@ TEST(OqWalker, ReplaceIsADeleteOfEveryLeafThenAMerge) {
     r.expect_state_restored();
 }
 
+// An operation counts only with its presence flag: a stale value is no replace.
+TEST(OqWalker, AnOperationWithoutItsPresenceFlagIsNone) {
+    Request r(KIND_EDIT_A);
+    tidl_yfw_datatree *in = r.input(top("<config><x>Asia</x></config>"));
+    in->subtrees[0].operation = OP_REPLACE;
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    EXPECT_EQ(r.paths(), chain(kClock + "/time-zone/area-name = \"Asia\""));
+}
+
+// The leaves of a walk-all pass get the container's node: it stays a container.
+TEST(OqWalker, AWalkAllPassLeavesTheContainerItsKind) {
+    Request r(KIND_GET_CONFIG);
+    tidl_yfw_datatree *in = r.input(top("<config/>"));
+    ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
+    EXPECT_EQ(in->subtrees[0].node_kind, NODE_CONTAINER);
+}
+
 TEST(OqWalker, UnknownOwnTagIsPassedOverInAReadAndRefusedInAWrite) {
     Request read(KIND_GET_CONFIG);
     EXPECT_EQ(read.run(kTop, top("<config><nope/><x/></config>")), YFW_SUCCESS);
@@ -212,7 +229,9 @@ class KeyValidation : public ::testing::TestWithParam<KeyCase> {};
 TEST_P(KeyValidation, StatusAndReport) {
     const KeyCase &c = GetParam();
     Request r(c.kind);
-    test::expect_refused(r, r.run(kTop, top(c.body)), c.report);
+    // JSON for a key without a value, which XML cannot write in an edit.
+    test::expect_refused(r, r.run(kTop, c.body[0] == '{' ? std::string(c.body) : top(c.body)),
+                         c.report);
     r.expect_state_restored();
 }
 
@@ -234,6 +253,11 @@ INSTANTIATE_TEST_SUITE_P(
         KeyCase{"edit_c_two_keys",
                 KIND_EDIT_C,
                 "<lst><name>a</name><name>b</name></lst>",
+                {YFW_ERR_LIST_KEY, "name", "/urn:test:oq:top/lst", "List key node error."}},
+        KeyCase{"edit_a_key_twice_once_without_value",
+                KIND_EDIT_A,
+                R"({"tag": "top", "namespace": "urn:test:oq", "children": [{"tag": "lst",
+                    "children": [{"tag": "name", "value": "a"}, {"tag": "name"}]}]})",
                 {YFW_ERR_LIST_KEY, "name", "/urn:test:oq:top/lst", "List key node error."}},
         KeyCase{"edit_b_empty_value_is_a_value",
                 KIND_EDIT_B,
