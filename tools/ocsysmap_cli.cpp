@@ -14,6 +14,7 @@
 #include <iostream>
 #include <iterator>
 #include <optional>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -362,14 +363,23 @@ std::vector<tidl_yfw_datatree *> typed_request(const yang::Models &models, std::
     }
 }
 
+// The OpenConfig roots typed by the models, printed once the tool's own
+// trees are given back.
+struct Typed {
+    yang::Data data;
+    yang::Format format;
+};
+
 // The output printed: OpenConfig roots by the models (checked with
-// --validate), native roots by the tool's own writers. Nothing is written
-// when the models refuse the answer or a writer refuses the tree.
-void write_output(std::ostream &out, const MapOptions &options, const yang::Models *models,
-                  const tidl_yfw_datatree &document, yfw::Arena &arena) {
+// --validate), native roots by the tool's own writers; the typed roots are
+// handed back to be printed last. Nothing is written when the models refuse
+// the answer or a writer refuses the tree.
+std::optional<Typed> write_output(std::ostream &out, const MapOptions &options,
+                                  const yang::Models *models, const tidl_yfw_datatree &document,
+                                  yfw::Arena &arena) {
     if (models == nullptr) {
         options.format->write(out, document);
-        return;
+        return std::nullopt;
     }
     std::vector<tidl_yfw_datatree *> native;
     for (const tidl_yfw_datatree &root : detail::children_of(document)) {
@@ -394,17 +404,16 @@ void write_output(std::ostream &out, const MapOptions &options, const yang::Mode
         if (!native.empty()) {
             throw std::invalid_argument("native data is not in the models");
         }
-        out << yang::print(typed.get(), yang::Format::json);
-        return;
+        return Typed{std::move(typed), yang::Format::json};
     }
     if (options.format->write != write_xml) {
         options.format->write(out, document);
-        return;
+        return std::nullopt;
     }
     if (!native.empty()) {
         write_xml(out, *document_of(arena, native));
     }
-    out << yang::print(typed.get(), yang::Format::xml);
+    return Typed{std::move(typed), yang::Format::xml};
 }
 
 void report_rejected(std::ostream &err, const Rejected &r) {
@@ -420,7 +429,8 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
                 std::span<const yfw_map_reg_mod_t> trees) {
     std::string text = read_input(*options.file, in);
     const std::optional<yang::Models> models = load_models(options);
-    yfw::Session session(*options.kind, options.oper_only);
+    std::optional<yfw::Session> held(std::in_place, *options.kind, options.oper_only);
+    yfw::Session &session = *held;
     std::vector<tidl_yfw_datatree *> roots;
     const bool read_kind = yfw_map_is_read_kind(*options.kind);
     try {
@@ -465,8 +475,17 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
     // sees the status last. A writer refuses a tree before writing any of it.
     std::optional<std::string> write_error;
     std::optional<Rejected> rejected;
+    std::ostringstream status_report;
     try {
-        write_output(out, options, models ? &*models : nullptr, *session.output(), session.arena());
+        std::optional<Typed> typed = write_output(out, options, models ? &*models : nullptr,
+                                                  *session.output(), session.arena());
+        if (typed) {
+            // libyang holds the answer now: the session's trees go before
+            // the printing, which is where the memory peaks otherwise.
+            report(status_report, status, session);
+            held.reset();
+            yang::print(typed->data.get(), typed->format, out);
+        }
         out << std::flush;
     } catch (const std::invalid_argument &e) {
         write_error = e.what();
@@ -476,7 +495,11 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
         rejected = std::move(r);
         report_rejected(err, *rejected);
     }
-    report(err, status, session);
+    if (held) {
+        report(err, status, *held);
+    } else {
+        err << status_report.str();
+    }
     if (write_error) {
         return 2;
     }

@@ -4,9 +4,11 @@
 #include "device_modules.hpp"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <ostream>
 
 #include <libxml/parser.h>
 #include <libxml/tree.h>
@@ -141,16 +143,26 @@ const lysc_ident *identity_for(const lysc_type *type, std::string_view name) {
     }
 }
 
-// The value in the JSON value form libyang takes when creating nodes: a bare
-// identity name gains its module.
-std::string json_value(const lysc_node *schema, std::string_view value) {
-    if (value.find(':') == std::string_view::npos) {
+// The value in the JSON value form libyang takes when creating nodes, a bare
+// identity name with its module added: `value` itself (null as empty), or
+// `scratch` holding the longer form.
+const char *json_value(const lysc_node *schema, const char *value, std::string &scratch) {
+    if (value == nullptr) {
+        return "";
+    }
+    if (std::strchr(value, ':') == nullptr) {
         const auto *leaf = reinterpret_cast<const lysc_node_leaf *>(schema);
         if (const lysc_ident *ident = identity_for(leaf->type, value)) {
-            return std::string(ident->module->name) + ":" + std::string(value);
+            scratch.assign(ident->module->name).append(":").append(value);
+            return scratch.c_str();
         }
     }
-    return std::string(value);
+    return value;
+}
+
+std::string json_value(const lysc_node *schema, const std::string &value) {
+    std::string scratch;
+    return json_value(schema, value.c_str(), scratch);
 }
 
 // Whether the value is one of the node's type. A leafref's target is not
@@ -211,11 +223,19 @@ public:
     std::vector<Diagnostic> &found() { return found_; }
 
 private:
+    // Nearly every node is of its parent's module, or of the last one looked up.
     const lys_module *module_of(const tidl_yfw_datatree &node, const lysc_node *parent_schema) {
-        if (node.namespace_ != nullptr) {
-            return ly_ctx_get_module_implemented_ns(ctx_, node.namespace_);
+        if (node.namespace_ == nullptr) {
+            return parent_schema != nullptr ? parent_schema->module : nullptr;
         }
-        return parent_schema != nullptr ? parent_schema->module : nullptr;
+        if (parent_schema != nullptr &&
+            std::strcmp(parent_schema->module->ns, node.namespace_) == 0) {
+            return parent_schema->module;
+        }
+        if (last_module_ == nullptr || std::strcmp(last_module_->ns, node.namespace_) != 0) {
+            last_module_ = ly_ctx_get_module_implemented_ns(ctx_, node.namespace_);
+        }
+        return last_module_;
     }
 
     static bool is_key_of(const lysc_node *schema, const tidl_yfw_datatree &child) {
@@ -252,15 +272,15 @@ private:
                 found_.push_back({where.str(), "a leaf with child nodes"});
                 return nullptr;
             }
-            const std::string value = json_value(schema, text_of(node.value));
-            rc = lyd_new_term(parent, schema->module, schema->name, value.c_str(), 0, &made);
+            rc = lyd_new_term(parent, schema->module, schema->name,
+                              json_value(schema, node.value, scratch_), 0, &made);
             break;
         }
         default:
             found_.push_back({where.str(), "a node of a kind the tool does not print"});
             return nullptr;
         }
-        return finish(rc, made, where.str());
+        return finish(rc, made, where);
     }
 
     lyd_node *create_list(lyd_node *parent, const lysc_node *schema, const tidl_yfw_datatree &node,
@@ -303,11 +323,11 @@ private:
             for (const lysc_node *k = lysc_node_child(schema); i < keys.size(); k = k->next, ++i) {
                 clean_errors(ctx_);
                 if (!value_fits(ctx_, k, keys[i])) {
-                    return finish(LY_EVALID, nullptr, where.str() + "/" + k->name);
+                    return finish(LY_EVALID, nullptr, where, k->name);
                 }
             }
         }
-        return finish(rc, made, where.str());
+        return finish(rc, made, where);
     }
 
     static const tidl_yfw_datatree *key_node(const tidl_yfw_datatree &entry,
@@ -320,9 +340,14 @@ private:
         return nullptr;
     }
 
-    lyd_node *finish(LY_ERR rc, lyd_node *made, const std::string &where) {
+    // The path of a complaint is spelt out only when there is one.
+    lyd_node *finish(LY_ERR rc, lyd_node *made, const Where &at, std::string_view key = {}) {
         if (rc == LY_SUCCESS) {
             return made;
+        }
+        std::string where = at.str();
+        if (!key.empty()) {
+            where.append("/").append(key);
         }
         for (Diagnostic &d : errors_or(ctx_, where, "rejected")) {
             found_.push_back({where, std::move(d.message)});
@@ -331,6 +356,8 @@ private:
     }
 
     const ly_ctx *ctx_;
+    const lys_module *last_module_ = nullptr;
+    std::string scratch_;
     std::vector<Diagnostic> found_;
 };
 
@@ -765,6 +792,34 @@ std::string print(const lyd_node *tree, Format format) {
     }
     CText owned(text);
     return text_of(text);
+}
+
+namespace {
+
+ssize_t write_stream(void *cookie, const char *buffer, size_t size) {
+    auto &out = *static_cast<std::ostream *>(cookie);
+    out.write(buffer, static_cast<std::streamsize>(size));
+    return out ? static_cast<ssize_t>(size) : -1;
+}
+
+} // namespace
+
+void print(const lyd_node *tree, Format format, std::ostream &out) {
+    if (tree == nullptr) {
+        return;
+    }
+    // libyang prints a stream in many small pieces; a buffered stdio stream
+    // over `out` gathers them without holding the whole text.
+    FILE *file = fopencookie(&out, "w", {nullptr, write_stream, nullptr, nullptr});
+    if (file == nullptr) {
+        throw YangError("cannot print the data");
+    }
+    std::setvbuf(file, nullptr, _IOFBF, std::size_t{1} << 16);
+    const LY_ERR rc = lyd_print_file(file, tree, format == Format::xml ? LYD_XML : LYD_JSON,
+                                     LYD_PRINT_WITHSIBLINGS);
+    if (std::fclose(file) != 0 || rc != LY_SUCCESS) {
+        throw YangError(errors_or(LYD_CTX(tree), "", "cannot print the data"));
+    }
 }
 
 Data parse(const Models &models, std::string_view text, Format format, Content content) {

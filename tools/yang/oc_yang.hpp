@@ -5,6 +5,7 @@
 #pragma once
 
 #include <filesystem>
+#include <iosfwd>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -95,6 +96,8 @@ enum class Content {
 
 // Prints every sibling of the tree; the empty tree prints as nothing.
 std::string print(const lyd_node *tree, Format format);
+// The same written to `out` piece by piece, never held whole.
+void print(const lyd_node *tree, Format format, std::ostream &out);
 
 // Parses text of the models, without validation (so that partial edit
 // content and filters parse). Throws YangError with libyang's diagnostics.
