@@ -404,6 +404,15 @@ TEST(AddPath, LeafFromComponentsTakesValueAndOperationOfTheInput) {
     EXPECT_EQ(yfw_map_add_leaf_from_xpath(session.ctx(), input, session.output(), "/ocsystem", kOc,
                                           parts, 0),
               YFW_ERR_INVALID_ARGS);
+    // The joined pieces, a slash before each, fill at most 1024 characters.
+    for (const std::size_t length : {1013u, 1014u}) {
+        const std::string piece(length, 'x');
+        const char *const long_parts[] = {"/ocsystem", piece.c_str()};
+        EXPECT_EQ(yfw_map_add_leaf_from_xpath(session.ctx(), input, session.output(), "/ocsystem",
+                                              kOc, long_parts, 2),
+                  length == 1013 ? YFW_SUCCESS : YFW_ERR_INVALID_ARGS)
+            << length;
+    }
 }
 
 // Positions kept for a wide array survive the removal of a merged duplicate
