@@ -1,9 +1,10 @@
 // The device's request path without the network: the bytes are the content
 // of an <edit-config> or the subtree filter of a read, run through the model
 // check, the walkers and the store, against a store that starts from the
-// same few native trees every run. A refused edit leaves the store and its
-// file byte for byte as they were; after an accepted one, a device started
-// from the file answers a read of everything as the device that took it.
+// same few native trees every run; a get also answers the operational roots.
+// A refused edit leaves the store and its file byte for byte as they were;
+// after an accepted one, a device started from the file answers a get-config
+// of everything as the device that took it.
 //
 // Input layout: one byte, then the text.
 //   bits 0-1  0 edit, 1 get-config, 2 get, 3 edit then get
@@ -24,6 +25,7 @@
 
 #include "device.hpp"
 #include "ocsysmap_io.hpp"
+#include "oper/oper_state.hpp"
 #include "registered_trees.hpp"
 
 namespace {
@@ -97,13 +99,21 @@ struct Fixture {
         std::error_code ec;
         fs::remove_all(dir, ec);
     }
-    // A device over the seed store, as every run starts.
+    // A device over the seed store, as every run starts, whose <get> also
+    // answers the operational roots of its configuration, as the server's does.
     std::unique_ptr<Device> fresh_device() const {
         {
             std::ofstream out(store, std::ios::binary | std::ios::trunc);
             out << kSeedStore;
         }
-        return std::make_unique<Device>(trees, *models, ocsysmapd::StoreFile(store));
+        auto device = std::make_unique<Device>(trees, *models, ocsysmapd::StoreFile(store));
+        device->set_operational([d = device.get(), this] {
+            std::string data;
+            return oper->build(d->read(KIND_GET_CONFIG, std::nullopt, data)
+                                   ? Forest{}
+                                   : ocsysmapd::oper::parse_config(data));
+        });
+        return device;
     }
 
     std::array<yfw_map_reg_mod_t, ocsysmap::kRegistrations.size()> trees =
@@ -111,6 +121,8 @@ struct Fixture {
     fs::path dir;
     fs::path store;
     std::unique_ptr<ocsysmap::yang::Models> models;
+    std::unique_ptr<ocsysmapd::oper::OperState> oper =
+        std::make_unique<ocsysmapd::oper::OperState>();
 };
 
 const Fixture &fixture() {
@@ -139,12 +151,13 @@ void edit(Device &device, const Fixture &f, std::string_view text, uint8_t heade
         require(bytes_of(f.store) == file_before, "a refused edit changed the store's file");
         return;
     }
-    // A restart reads the file: the device must answer as it did before.
+    // A restart reads the file: the device must answer as it did before (the
+    // configuration: host figures in the operational roots change by the second).
     std::string before_restart;
     std::string after_restart;
-    const auto failed_before = device.read(KIND_GET, std::nullopt, before_restart);
+    const auto failed_before = device.read(KIND_GET_CONFIG, std::nullopt, before_restart);
     const auto failed_after = Device(f.trees, *f.models, ocsysmapd::StoreFile(f.store))
-                                  .read(KIND_GET, std::nullopt, after_restart);
+                                  .read(KIND_GET_CONFIG, std::nullopt, after_restart);
     if (std::getenv("DEVICE_FUZZ_VERBOSE") != nullptr) {
         std::fprintf(
             stderr, "device_fuzz: before a restart: %s\n%s\nafter: %s\n%s\n",
