@@ -157,7 +157,8 @@ private:
             if (!children.empty()) {
                 build(siblings, e, p, OP_MERGE,
                       std::any_of(children.begin(), children.end(),
-                                  [&](const auto &c) { return is_key(p, c) && writes(c); }));
+                                  [&](const auto &c) { return is_key(p, c) && writes(c); }),
+                      true);
             }
             return;
         case kCreate:
@@ -208,9 +209,10 @@ private:
     // A node the store does not hold: its keys as the edit names them, then
     // what the edit writes below it with `below` as the inherited operation.
     // It is kept when it then holds more than its keys, or when `wanted`;
-    // removals alone make nothing.
+    // removals alone make nothing. A node that takes the place of one just
+    // `removed` skips the deletes below it: they named the old content.
     void build(std::vector<Node> &siblings, const tidl_yfw_datatree &e, const Place &p,
-               int32_t below, bool wanted) {
+               int32_t below, bool wanted, bool removed = false) {
         Node fresh{e.tag, p.ns, {}, false, {}};
         for (const tidl_yfw_datatree &c : children_of(e)) {
             if (is_key(p, c) && c.present_value) {
@@ -219,7 +221,7 @@ private:
             }
         }
         const std::size_t keys = fresh.children.size();
-        merge_into(fresh, e, below, below != kNoOperation || e.present_operation, p, true);
+        merge_into(fresh, e, below, below != kNoOperation || e.present_operation, p, true, removed);
         if (fresh.children.size() == keys && !wanted) {
             return;
         }
@@ -234,13 +236,14 @@ private:
     // without children, as the store's file reads it back. `skip_keys` when
     // the keys are in place already.
     void merge_into(Node &n, const tidl_yfw_datatree &e, int32_t below, bool writes, const Place &p,
-                    bool skip_keys = false) {
+                    bool skip_keys = false, bool skip_deletes = false) {
         if (writes && (e.present_value || (children_of(e).empty() && n.children.empty()))) {
             n.value = text_of(e.value);
             n.has_value = true;
         }
         for (const tidl_yfw_datatree &c : children_of(e)) {
-            if (!skip_keys || !is_key(p, c)) {
+            if ((!skip_keys || !is_key(p, c)) &&
+                (!skip_deletes || !c.present_operation || c.operation != OP_DELETE)) {
                 apply(n.children, c, below, p.ns, p.schema_path, p.shown_path);
             }
         }
