@@ -206,7 +206,7 @@ void split_replace(yfw::Arena &arena, tidl_yfw_datatree &node, tidl_yfw_datatree
 std::optional<Failure> map_removals(const yfw_map_reg_mod_t &tree, yfw::Session &removals,
                                     tidl_yfw_datatree &root) {
     std::vector<tidl_yfw_datatree *> halves;
-    const std::string path = "/" + std::string(text_or_empty(root.tag));
+    const std::string path = std::string("/").append(text_or_empty(root.tag));
     if (is_replace(root)) {
         halves.push_back(bare_copy(removals.arena(), nullptr, root, path));
         yfw_dt_set_operation(halves.back(), OP_REMOVE);
@@ -272,7 +272,8 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
         if (edit != nullptr && edit->default_operation == EditDefault::replace) {
             replace_whole(session.arena(), *root);
         }
-        if (removals != nullptr && splits(*root, "/" + std::string(text_or_empty(root->tag)))) {
+        if (removals != nullptr &&
+            splits(*root, std::string("/").append(text_or_empty(root->tag)))) {
             if (auto failed = map_removals(trees.front(), *removals, *root)) {
                 return failed;
             }

@@ -82,7 +82,7 @@ std::string rfc3339_now(std::string_view zone) {
     }
     // %z says +hhmm; the models want +hh:mm.
     std::string out(text);
-    out.insert(out.size() - 2, ":");
+    out.insert(out.size() - 2, 1, ':');
     return out;
 }
 
