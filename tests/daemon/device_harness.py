@@ -81,3 +81,22 @@ def config(body):
 
 def oc_filter(body):
     return ("subtree", f'<system xmlns="{OC}">{body}</system>')
+
+
+def serve(owner, daemon, models):
+    """A device over a new store for `owner`, a test or its class: sets its
+    dir, store, device and nc (a connected session)."""
+    owner.dir = tempfile.TemporaryDirectory()
+    owner.store = os.path.join(owner.dir.name, "store.xml")
+    owner.device = Device(daemon, models, owner.store)
+    owner.device.start()
+    owner.nc = owner.device.connect()
+
+
+def unserve(owner):
+    """Ends what serve() started; the device's exit status (sanitizer reports
+    make it non-zero)."""
+    owner.nc.close_session()
+    status = owner.device.stop()
+    owner.dir.cleanup()
+    return status

@@ -5,12 +5,11 @@ usage: ncclient_device_test.py OCSYSMAPD MODELS_DIR
 """
 import os
 import sys
-import tempfile
 import unittest
 import xml.etree.ElementTree as ET
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import OC, Device, config, oc_filter  # noqa: E402
+from device_harness import OC, config, oc_filter, serve, unserve  # noqa: E402
 from ncclient.operations import RPCError  # noqa: E402
 
 DAEMON, MODELS = sys.argv[1], sys.argv[2]
@@ -55,17 +54,11 @@ def system_of(reply):
 class DeviceTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.dir = tempfile.TemporaryDirectory()
-        cls.store = os.path.join(cls.dir.name, "store.xml")
-        cls.device = Device(DAEMON, MODELS, cls.store)
-        cls.device.start()
-        cls.nc = cls.device.connect()
+        serve(cls, DAEMON, MODELS)
 
     @classmethod
     def tearDownClass(cls):
-        cls.nc.close_session()
-        status = cls.device.stop()
-        cls.dir.cleanup()
+        status = unserve(cls)
         assert status == 0, f"ocsysmapd exited with {status}"
 
     def store_bytes(self):

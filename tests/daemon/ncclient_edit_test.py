@@ -9,14 +9,13 @@ import os
 import re
 import shutil
 import sys
-import tempfile
 import unittest
 import xml.etree.ElementTree as ET
 
 from lxml import etree
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import NC, OC, Device, config  # noqa: E402
+from device_harness import NC, OC, Device, config, serve, unserve  # noqa: E402
 from ncclient.operations import RPCError  # noqa: E402
 
 DAEMON, MODELS = sys.argv[1], sys.argv[2]
@@ -166,17 +165,10 @@ def system(body):
 
 class EditTest(unittest.TestCase):
     def setUp(self):
-        self.dir = tempfile.TemporaryDirectory()
-        self.store = os.path.join(self.dir.name, "store.xml")
-        self.device = Device(DAEMON, MODELS, self.store)
-        self.device.start()
-        self.nc = self.device.connect()
+        serve(self, DAEMON, MODELS)
 
     def tearDown(self):
-        self.nc.close_session()
-        status = self.device.stop()
-        self.dir.cleanup()
-        self.assertEqual(status, 0, "ocsysmapd exit status")
+        self.assertEqual(unserve(self), 0, "ocsysmapd exit status")
 
     def edit(self, body, **options):
         return self.nc.edit_config(target="running", config=config(body), **options)

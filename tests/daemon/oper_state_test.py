@@ -9,7 +9,6 @@ import os
 import re
 import subprocess
 import sys
-import tempfile
 import time
 import unittest
 from datetime import datetime
@@ -17,7 +16,7 @@ from datetime import datetime
 from lxml import etree
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import OC, Device, config, oc_filter  # noqa: E402
+from device_harness import OC, config, oc_filter, serve, unserve  # noqa: E402
 from ncclient.operations import RPCError  # noqa: E402
 from ncclient.xml_ import to_ele  # noqa: E402
 
@@ -106,11 +105,8 @@ def event(name, **leaves):
 class OperStateTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.dir = tempfile.TemporaryDirectory()
         cls.started = time.time_ns()
-        cls.device = Device(DAEMON, MODELS, os.path.join(cls.dir.name, "store.xml"))
-        cls.device.start()
-        cls.nc = cls.device.connect()
+        serve(cls, DAEMON, MODELS)
         cls.modules = cls.fetch_schemas()
 
     @classmethod
@@ -137,9 +133,7 @@ class OperStateTest(unittest.TestCase):
 
     @classmethod
     def tearDownClass(cls):
-        cls.nc.close_session()
-        status = cls.device.stop()
-        cls.dir.cleanup()
+        status = unserve(cls)
         assert status == 0, f"ocsysmapd exited with {status}"
 
     def get(self, body=None):

@@ -9,12 +9,11 @@ import os
 import re
 import subprocess
 import sys
-import tempfile
 import unittest
 import xml.etree.ElementTree as ET
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import NC, OC, RPC_SECONDS, Device, config  # noqa: E402
+from device_harness import NC, OC, RPC_SECONDS, config, serve, unserve  # noqa: E402
 
 DAEMON, MODELS = sys.argv[1], sys.argv[2]
 NS = {"oc": OC}
@@ -90,16 +89,11 @@ def system_of(xml):
 class ProceduresTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.dir = tempfile.TemporaryDirectory()
-        cls.device = Device(DAEMON, MODELS, os.path.join(cls.dir.name, "store.xml"))
-        cls.device.start()
-        cls.nc = cls.device.connect()
+        serve(cls, DAEMON, MODELS)
 
     @classmethod
     def tearDownClass(cls):
-        cls.nc.close_session()
-        status = cls.device.stop()
-        cls.dir.cleanup()
+        status = unserve(cls)
         assert status == 0, f"ocsysmapd exited with {status}"
 
     def read(self, paths):
