@@ -7,8 +7,11 @@ import select
 import signal
 import socket
 import subprocess
+import sys
 import tempfile
 import time
+import unittest
+import xml.etree.ElementTree as ET
 
 import ncclient.transport.ssh
 from ncclient import manager
@@ -100,3 +103,23 @@ def unserve(owner):
     status = owner.device.stop()
     owner.dir.cleanup()
     return status
+
+
+class ServedTestCase(unittest.TestCase):
+    """One device for the whole class; the program and the models come first
+    on the command line."""
+
+    @classmethod
+    def setUpClass(cls):
+        serve(cls, sys.argv[1], sys.argv[2])
+
+    @classmethod
+    def tearDownClass(cls):
+        status = unserve(cls)
+        assert status == 0, f"ocsysmapd exited with {status}"
+
+
+def system_of(reply):
+    """The /system node of a reply's data, or an empty stand-in."""
+    found = ET.fromstring(reply.data_xml).find(f"{{{OC}}}system")
+    return found if found is not None else ET.Element("none")

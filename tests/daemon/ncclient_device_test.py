@@ -6,13 +6,11 @@ usage: ncclient_device_test.py OCSYSMAPD MODELS_DIR
 import os
 import sys
 import unittest
-import xml.etree.ElementTree as ET
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import OC, config, oc_filter, serve, unserve  # noqa: E402
+from device_harness import OC, ServedTestCase, config, oc_filter, system_of  # noqa: E402
 from ncclient.operations import RPCError  # noqa: E402
 
-DAEMON, MODELS = sys.argv[1], sys.argv[2]
 NS = {"oc": OC}
 
 # name, edit body, a path of the get-config answer, its text.
@@ -45,22 +43,7 @@ NTP_DELETE = ('<ntp><servers><server nc:operation="delete"><address>192.0.2.1</a
               '</server></servers></ntp>')
 
 
-def system_of(reply):
-    root = ET.fromstring(reply.data_xml)
-    found = root.find("oc:system", NS)
-    return found if found is not None else ET.Element("none")
-
-
-class DeviceTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        serve(cls, DAEMON, MODELS)
-
-    @classmethod
-    def tearDownClass(cls):
-        status = unserve(cls)
-        assert status == 0, f"ocsysmapd exited with {status}"
-
+class DeviceTest(ServedTestCase):
     def store_bytes(self):
         with open(self.store, "rb") as f:
             return f.read()

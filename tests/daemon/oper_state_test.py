@@ -16,11 +16,10 @@ from datetime import datetime
 from lxml import etree
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import OC, config, oc_filter, serve, unserve  # noqa: E402
+from device_harness import OC, ServedTestCase, config, oc_filter  # noqa: E402
 from ncclient.operations import RPCError  # noqa: E402
 from ncclient.xml_ import to_ele  # noqa: E402
 
-DAEMON, MODELS = sys.argv[1], sys.argv[2]
 EV = "urn:ocsysmap:yang:ocsysmapd-events"
 NCM = "urn:ietf:params:xml:ns:yang:ietf-netconf-monitoring"
 EXT = "http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-terminal-ext"
@@ -102,11 +101,11 @@ def event(name, **leaves):
     return to_ele(f'<{name} xmlns="{EV}">{body}</{name}>')
 
 
-class OperStateTest(unittest.TestCase):
+class OperStateTest(ServedTestCase):
     @classmethod
     def setUpClass(cls):
         cls.started = time.time_ns()
-        serve(cls, DAEMON, MODELS)
+        super().setUpClass()
         cls.modules = cls.fetch_schemas()
 
     @classmethod
@@ -130,11 +129,6 @@ class OperStateTest(unittest.TestCase):
         assert {*OC_MODULES, "Tarvex-QV-openconfig-system-terminal-ext",
                 "Tarvex-QV-openconfig-system-deviations"} <= set(advertised), advertised
         return [os.path.join(cls.schemas, f"{m}.yang") for m in advertised]
-
-    @classmethod
-    def tearDownClass(cls):
-        status = unserve(cls)
-        assert status == 0, f"ocsysmapd exited with {status}"
 
     def get(self, body=None):
         """The get answer's system node, once libyang found the whole answer valid."""

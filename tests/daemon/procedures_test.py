@@ -10,12 +10,10 @@ import re
 import subprocess
 import sys
 import unittest
-import xml.etree.ElementTree as ET
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import NC, OC, RPC_SECONDS, config, serve, unserve  # noqa: E402
+from device_harness import NC, OC, RPC_SECONDS, ServedTestCase, config, system_of  # noqa: E402
 
-DAEMON, MODELS = sys.argv[1], sys.argv[2]
 NS = {"oc": OC}
 TYPES = 'xmlns:t="http://openconfig.net/yang/aaa/types"'
 LONG_BANNER = "Authorised access only; all activity is logged. " * 20
@@ -81,25 +79,11 @@ def texts(system, path):
             for e in system.iterfind(path, NS)]
 
 
-def system_of(xml):
-    found = ET.fromstring(xml).find("oc:system", NS)
-    return found if found is not None else ET.Element("none")
-
-
-class ProceduresTest(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        serve(cls, DAEMON, MODELS)
-
-    @classmethod
-    def tearDownClass(cls):
-        status = unserve(cls)
-        assert status == 0, f"ocsysmapd exited with {status}"
-
+class ProceduresTest(ServedTestCase):
     def read(self, paths):
         """Each path's texts, from get-config for config paths and get for state."""
-        answers = {"config": system_of(self.nc.get_config(source="running").data_xml),
-                   "state": system_of(self.nc.get().data_xml)}
+        answers = {"config": system_of(self.nc.get_config(source="running")),
+                   "state": system_of(self.nc.get())}
         return [texts(answers["state" if "state" in p else "config"], p) for p, _ in paths]
 
     def edit(self, body):
