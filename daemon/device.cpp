@@ -83,6 +83,9 @@ Failure model_failure(const yang::YangError &e) {
         return {"invalid-value", {}, {}, {}, e.what()};
     }
     const yang::Diagnostic &first = e.diagnostics.front();
+    if (!first.unknown_element.empty()) {
+        return {"unknown-element", {}, first.unknown_element, first.path, first.message};
+    }
     return {"invalid-value", {}, {}, first.path, first.message};
 }
 

@@ -69,9 +69,10 @@ class DeviceTest(ServedTestCase):
             # body, error-tag, error-path, bad-element, error-app-tag
             # The mapping refuses it, so the device does not advertise it.
             ("<telnet-server><config><enable>true</enable></config></telnet-server>",
-             "invalid-value", None, None, None),
+             "unknown-element", "/openconfig-system:system/telnet-server/config", "config", None),
             # The models refuse it before the mapping sees it.
-            ("<config><bogus>1</bogus></config>", "invalid-value", None, None, None),
+            ("<config><bogus>1</bogus></config>", "unknown-element", None, "bogus", None),
+            ("<config><hostname>a b</hostname></config>", "invalid-value", None, None, None),
             ('<config nc:operation="delete"><hostname>x</hostname></config>', "invalid-value",
              None, None, "YFW_ERR_INVALID_ARGS"),
             ('<ntp><servers><server nc:operation="delete"><address>198.51.100.7</address>'

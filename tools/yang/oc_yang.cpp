@@ -197,8 +197,10 @@ public:
                                       ? lys_find_child(parent_schema, module, node.tag, 0, 0, 0)
                                       : nullptr;
         if (schema == nullptr) {
-            found_.push_back({where.str(), "no such node in the models (namespace " +
-                                               text_of(node.namespace_) + ")"});
+            found_.push_back(
+                {where.str(),
+                 "no such node in the models (namespace " + text_of(node.namespace_) + ")",
+                 text_of(node.tag)});
             return;
         }
         lyd_node *made = create(parent != nullptr ? lyd_child(parent) : first.get(), parent, schema,
@@ -606,7 +608,8 @@ void check_opaque(const ly_ctx *ctx, const lyd_node *first, const lysc_node *par
                 found.push_back(
                     {path_of(n),
                      "no such node in the models" +
-                         (ns != nullptr ? " (namespace " + std::string(ns) + ")" : std::string())});
+                         (ns != nullptr ? " (namespace " + std::string(ns) + ")" : std::string()),
+                     text_of(o->name.name)});
                 continue;
             }
             check_opaque_node(ctx, o, schema, content, found);

@@ -24,6 +24,8 @@ namespace ocsysmap::yang {
 struct Diagnostic {
     std::string path;
     std::string message;
+    // The tag of a node the models do not have at all; empty for other faults.
+    std::string unknown_element{};
 };
 
 // Data the models reject, or models that cannot be loaded. what() is the
