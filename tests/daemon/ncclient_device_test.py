@@ -73,6 +73,9 @@ class DeviceTest(ServedTestCase):
             # The models refuse it before the mapping sees it.
             ("<config><bogus>1</bogus></config>", "unknown-element", None, "bogus", None),
             ("<config><hostname>a b</hostname></config>", "invalid-value", None, None, None),
+            # An attribute in a module's namespace once crashed the model check.
+            (f'<config xmlns:x="{OC}" x:operation="merge"><hostname>a</hostname></config>',
+             "invalid-value", None, None, None),
             ('<config nc:operation="delete"><hostname>x</hostname></config>', "invalid-value",
              None, None, "YFW_ERR_INVALID_ARGS"),
             ('<ntp><servers><server nc:operation="delete"><address>198.51.100.7</address>'

@@ -4,6 +4,7 @@
 #include "device_modules.hpp"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -456,10 +457,59 @@ using XmlDoc = std::unique_ptr<xmlDoc, XmlDocFree>;
 
 // The roots inside a <config>, <filter> or <data> wrapper, each printed on
 // its own with the namespaces it uses; other documents unchanged.
+// The namespaces of the annotations a request may carry: the edit operation,
+// the position of an inserted entry, the default and origin marks.
+constexpr std::array<std::string_view, 4> kAnnotationNamespaces{
+    "urn:ietf:params:xml:ns:netconf:base:1.0", "urn:ietf:params:xml:ns:yang:1",
+    "urn:ietf:params:xml:ns:netconf:default:1.0", "urn:ietf:params:xml:ns:yang:ietf-origin"};
+
+// libyang reads an attribute in the namespace of a module it holds as that
+// module's annotation, and crashes when the module defines none: any other
+// namespaced attribute is refused before libyang sees the text.
+void check_attributes(const xmlNode *n) {
+    for (; n != nullptr; n = n->next) {
+        if (n->type != XML_ELEMENT_NODE) {
+            continue;
+        }
+        for (const xmlAttr *a = n->properties; a != nullptr; a = a->next) {
+            if (a->ns == nullptr || a->ns->href == nullptr) {
+                continue;
+            }
+            const std::string_view ns(reinterpret_cast<const char *>(a->ns->href));
+            if (std::find(kAnnotationNamespaces.begin(), kAnnotationNamespaces.end(), ns) ==
+                kAnnotationNamespaces.end()) {
+                const std::string element(reinterpret_cast<const char *>(n->name));
+                throw YangError(
+                    {{"/" + element,
+                      "attribute " + std::string(reinterpret_cast<const char *>(a->name)) +
+                          " of namespace " + std::string(ns) + " is no annotation of the models"}});
+            }
+        }
+        check_attributes(n->children);
+    }
+}
+
+XmlDoc read_xml(std::string_view text) {
+    return XmlDoc(xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
+                                XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+}
+
 std::string unwrapped_xml(std::string_view text) {
-    XmlDoc doc(xmlReadMemory(text.data(), static_cast<int>(text.size()), nullptr, nullptr,
-                             XML_PARSE_NONET | XML_PARSE_NOERROR | XML_PARSE_NOWARNING));
+    XmlDoc doc = read_xml(text);
     const xmlNode *top = doc ? xmlDocGetRootElement(doc.get()) : nullptr;
+    if (top != nullptr) {
+        check_attributes(top);
+    } else {
+        // Several top-level nodes are no XML document: read them inside one.
+        std::string_view body = text;
+        if (body.starts_with("<?") && body.find("?>") != std::string_view::npos) {
+            body.remove_prefix(body.find("?>") + 2);
+        }
+        const XmlDoc all = read_xml("<all>" + std::string(body) + "</all>");
+        if (all) {
+            check_attributes(xmlDocGetRootElement(all.get()));
+        }
+    }
     if (top == nullptr || !detail::is_wrapper_name(reinterpret_cast<const char *>(top->name))) {
         return std::string(text);
     }
