@@ -12,7 +12,7 @@ import sys
 import unittest
 
 sys.path.insert(0, os.path.dirname(os.path.abspath(__file__)))
-from device_harness import NC, OC, RPC_SECONDS, ServedTestCase, config, system_of  # noqa: E402
+from device_harness import NC, OC, RPC_SECONDS, ServedTestCase, config, oc_filter, system_of  # noqa: E402
 
 NS = {"oc": OC}
 TYPES = 'xmlns:t="http://openconfig.net/yang/aaa/types"'
@@ -44,9 +44,15 @@ def servers(addresses, inner):
 NTP = [f"192.0.2.{i}" for i in range(1, 5)] + [f"2001:db8::{i}" for i in range(1, 5)]
 DNS = ["192.0.2.53", "2001:db8::53"]
 METHODS = ["TACACS_ALL", "LOCAL"]
+# The facility a selector takes, from the device's own deviation module.
+NONE = ('<facility xmlns:d="http://tarvex.local/ns/yang/Tarvex-QV-openconfig-system-deviations">'
+        "d:NONE</facility>")
+GROUP = "oc:aaa/oc:server-groups/oc:server-group/oc:servers/oc:server"
+SYSLOG = "oc:logging/oc:remote-servers/oc:remote-server"
 
 # name, edit, delete, then (path under /system, texts in order) of the get-config
-# and get answers; an identity is compared by its name, whatever the prefix.
+# and get answers, and the reads' filter where a whole read is not enough; an
+# identity is compared by its name, whatever the prefix.
 PROCEDURES = [
     *[(f"host name {v[:12]}", *system_leaf("hostname", v))
       for v in ("r", "1234567", "core1.lab.example", "h" * 63)],
@@ -71,6 +77,34 @@ PROCEDURES = [
      + "</config></authentication></aaa>",
      '<aaa><authentication><config nc:operation="delete"/></authentication></aaa>',
      [("oc:aaa/oc:authentication/oc:config/oc:authentication-method", METHODS)]),
+    ("a local admin user",
+     "<aaa><authentication><users><user><username>ops</username><config><username>ops"
+     f"</username><password>pw1</password><role {TYPES}>t:SYSTEM_ROLE_ADMIN</role></config>"
+     "</user></users></authentication></aaa>",
+     '<aaa><authentication><users><user nc:operation="delete"><username>ops</username>'
+     "</user></users></authentication></aaa>",
+     [("oc:aaa/oc:authentication/oc:users/oc:user/oc:config/oc:role", ["SYSTEM_ROLE_ADMIN"])]),
+    ("a TACACS server group with a server",
+     "<aaa><server-groups><server-group><name>tg</name><config><name>tg</name>"
+     f"<type {TYPES.replace('/types', '')}>t:TACACS</type></config><servers><server>"
+     "<address>192.0.2.10</address><config><address>192.0.2.10</address><timeout>5</timeout>"
+     "</config><tacacs><config><port>49</port><secret-key>k9</secret-key></config></tacacs>"
+     "</server></servers></server-group></server-groups></aaa>",
+     '<aaa><server-groups><server-group nc:operation="delete"><name>tg</name></server-group>'
+     "</server-groups></aaa>",
+     [(f"{GROUP}/oc:config/oc:timeout", ["5"]), (f"{GROUP}/oc:tacacs/oc:config/oc:port", ["49"])]),
+    ("a remote syslog server with a selector",
+     "<logging><remote-servers><remote-server><host>192.0.2.9</host><config><host>192.0.2.9"
+     f"</host></config><selectors><selector>{NONE}<severity>WARNING</severity><config>{NONE}"
+     "<severity>WARNING</severity></config></selector></selectors></remote-server>"
+     "</remote-servers></logging>",
+     '<logging><remote-servers><remote-server nc:operation="delete"><host>192.0.2.9</host>'
+     "</remote-server></remote-servers></logging>",
+     [(f"{SYSLOG}/oc:host", ["192.0.2.9"]),
+      (f"{SYSLOG}/oc:selectors/oc:selector/oc:config/oc:severity", ["WARNING"])],
+     # A whole read of a remote server asks the device for its port alone.
+     "<logging><remote-servers><remote-server><host>192.0.2.9</host><selectors/>"
+     "</remote-server></remote-servers></logging>"),
 ]
 
 
@@ -80,22 +114,23 @@ def texts(system, path):
 
 
 class ProceduresTest(ServedTestCase):
-    def read(self, paths):
+    def read(self, paths, body=None):
         """Each path's texts, from get-config for config paths and get for state."""
-        answers = {"config": system_of(self.nc.get_config(source="running")),
-                   "state": system_of(self.nc.get())}
+        picked = oc_filter(body) if body else None
+        answers = {"config": system_of(self.nc.get_config(source="running", filter=picked)),
+                   "state": system_of(self.nc.get(filter=picked))}
         return [texts(answers["state" if "state" in p else "config"], p) for p, _ in paths]
 
     def edit(self, body):
         self.assertTrue(self.nc.edit_config(target="running", config=config(body)).ok)
 
     def test_each_procedure_sets_reads_back_and_deletes_through_ncclient(self):
-        for name, edit, delete, paths in PROCEDURES:
+        for name, edit, delete, paths, *body in PROCEDURES:
             with self.subTest(procedure=name):
                 self.edit(edit)
-                self.assertEqual(self.read(paths), [want for _, want in paths])
+                self.assertEqual(self.read(paths, *body), [want for _, want in paths])
                 self.edit(delete)
-                self.assertEqual(self.read(paths), [[] for _ in paths])
+                self.assertEqual(self.read(paths, *body), [[] for _ in paths])
 
     def yangcli(self, *commands):
         """Runs the commands in one yangcli session; its output, or a failure."""
@@ -110,16 +145,16 @@ class ProceduresTest(ServedTestCase):
         return run.stdout
 
     def test_yangcli_edits_read_back_the_same(self):
-        for i, (name, edit, delete, paths) in enumerate(PROCEDURES):
+        for i, (name, edit, delete, paths, *body) in enumerate(PROCEDURES):
             with self.subTest(procedure=name):
-                body = os.path.join(self.dir.name, f"edit{i}.xml")
-                with open(body, "w") as f:
+                content = os.path.join(self.dir.name, f"edit{i}.xml")
+                with open(content, "w") as f:
                     f.write(f'<system xmlns="{OC}" xmlns:nc="{NC}">{edit}</system>')
-                shown = self.yangcli(f"edit-config target=running config=@{body}",
+                shown = self.yangcli(f"edit-config target=running config=@{content}",
                                      "get-config source=running")
-                self.assertEqual(self.read(paths), [want for _, want in paths])
-                # yangcli prints what it read in its own notation: each value appears.
-                for _, want in paths:
+                self.assertEqual(self.read(paths, *body), [want for _, want in paths])
+                # yangcli prints what its whole read holds in its own notation.
+                for _, want in paths if not body else []:
                     for text in want:
                         self.assertIn(text.split()[0], shown)
                 self.edit(delete)
