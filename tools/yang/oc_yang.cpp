@@ -508,6 +508,10 @@ std::string unwrapped_xml(std::string_view text) {
         const XmlDoc all = read_xml("<all>" + std::string(body) + "</all>");
         if (all) {
             check_attributes(xmlDocGetRootElement(all.get()));
+        } else if (body.find_first_not_of(" \t\r\n") != std::string_view::npos) {
+            // libyang reads as it goes and would meet an attribute before the
+            // fault: text that is no XML goes no further.
+            throw YangError("the data does not parse: it is not well-formed XML");
         }
     }
     if (top == nullptr || !detail::is_wrapper_name(reinterpret_cast<const char *>(top->name))) {
