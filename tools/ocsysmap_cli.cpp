@@ -1,7 +1,8 @@
 // ocsysmap map: read a tree, hand each root to the walker of its registered
 // tree, print the output tree and the status. ocsysmap modules: list the
 // modules the framework knows. ocsysmap coverage: the OpenConfig paths the
-// mapping tables map, as found when the tool was built.
+// mapping tables map, as found when the tool was built. ocsysmap rows: the
+// table of the mapping rows.
 #include "ocsysmap_cli.hpp"
 
 #include <algorithm>
@@ -23,6 +24,7 @@
 #include "io/io_detail.hpp"
 #include "io/ocsysmap_io.hpp"
 #include "ocsystem_map_version.h"
+#include "rows_table.hpp"
 #include "yang/device_modules.hpp"
 #include "yang/oc_yang.hpp"
 #include "yfw/standin.hpp"
@@ -35,6 +37,7 @@ constexpr std::string_view kUsage =
     "                    [--trace] [--sysdb PATH=VALUE]... [--models DIR] [--validate] FILE\n"
     "       ocsysmap modules\n"
     "       ocsysmap coverage\n"
+    "       ocsysmap rows\n"
     "       ocsysmap --help | --version\n"
     "KIND is get-config, get, edit-a, edit-b, edit-c or a number; FILE - reads standard input.\n"
     "--sysdb sets a system database item by its full path (PATH= sets it empty) and makes\n"
@@ -524,6 +527,10 @@ int run(std::span<const std::string_view> args, std::istream &in, std::ostream &
             }
             return 0;
         }
+        if (command == "rows" && args.size() == 1) {
+            out << rows_table();
+            return 0;
+        }
         if (command == "coverage" && args.size() == 1) {
             out << yang::coverage_report();
             return 0;
@@ -537,7 +544,7 @@ int run(std::span<const std::string_view> args, std::istream &in, std::ostream &
             return 0;
         }
         throw UsageError(command.empty() ? "a command is required"
-                         : command == "modules" || command == "coverage"
+                         : command == "modules" || command == "coverage" || command == "rows"
                              ? std::string(command) + " takes no arguments"
                              : "unknown command " + std::string(command));
     } catch (const UsageError &e) {
