@@ -49,8 +49,31 @@
 #define YMAP_CONT_SIG (yfw_map_ctx * ctx, tidl_yfw_datatree * node, uint32_t count, tidl_yfw_datatree * out_tree)
 #define YMAP_NODE_SIG (yfw_map_ctx * ctx, tidl_yfw_datatree * node, tidl_yfw_datatree * out_tree)
 
-// Each row macro dispatches on the pass: YMAP_CONT -> YMAP_CONT_AUTO, ...
-#define YMAP_DISPATCH(macro) YMAP_PASTE(macro##_, YMAP_PASS)
+// Each row macro dispatches on the pass: YMAP_CONT -> YMAP_CMAP_AUTO, ... A
+// row belongs to a group (ducks, mappers or walkers); a pass expands the
+// groups it marks with YMAP_EXPANDS_<PASS>_<GROUP> and defines the macros of
+// those alone: a row of another group expands to nothing.
+#define YMAP_DISPATCH(macro) \
+    YMAP_PASTE(YMAP_CHOOSE_, YMAP_MARKED(YMAP_PASTE(YMAP_PASTE(YMAP_EXPANDS_, YMAP_PASS), \
+                                                     YMAP_GROUP_##macro)))(YMAP_PASTE(macro##_, YMAP_PASS))
+#define YMAP_GROUP_YMAP_DUCKS       _DUCKS
+#define YMAP_GROUP_YMAP_CMAP        _MAPPERS
+#define YMAP_GROUP_YMAP_CMAP_HAND   _MAPPERS
+#define YMAP_GROUP_YMAP_CMAP_OWN    _MAPPERS
+#define YMAP_GROUP_YMAP_NMAP        _MAPPERS
+#define YMAP_GROUP_YMAP_NMAP_PIECES _MAPPERS
+#define YMAP_GROUP_YMAP_NMAP_HAND   _MAPPERS
+#define YMAP_GROUP_YMAP_NMAP_OWN    _MAPPERS
+#define YMAP_GROUP_YMAP_LWALK       _WALKERS
+#define YMAP_GROUP_YMAP_WALK        _WALKERS
+// 1 when `marker` is defined as YMAP_MARK, else 0.
+#define YMAP_MARK ~, 1
+#define YMAP_MARKED(marker) YMAP_SECOND_(marker, 0, )
+#define YMAP_SECOND_(...) YMAP_SECOND__(__VA_ARGS__)
+#define YMAP_SECOND__(a, b, ...) b
+#define YMAP_CHOOSE_1(pass_macro) pass_macro
+#define YMAP_CHOOSE_0(pass_macro) YMAP_SKIP
+#define YMAP_SKIP(...)
 
 // ---- Row macros of the descriptions -----------------------------------------
 
@@ -172,6 +195,10 @@
 
 // ---- DECLARE ------------------------------------------------------------------
 
+#define YMAP_EXPANDS_DECLARE_DUCKS YMAP_MARK
+#define YMAP_EXPANDS_DECLARE_MAPPERS YMAP_MARK
+#define YMAP_EXPANDS_DECLARE_WALKERS YMAP_MARK
+
 #define YMAP_DUCKS_DECLARE(body)                                  \
     extern "C" YMAP_EXPORT cerrno YMAP_DUCK(container) YMAP_CONT_SIG; \
     extern "C" YMAP_EXPORT cerrno YMAP_DUCK(list) YMAP_NODE_SIG;      \
@@ -200,6 +227,9 @@
     extern "C" YMAP_EXPORT cerrno parser YMAP_NODE_SIG; YMAP_AUG_DECLARE_##aug(parser)
 
 // ---- AUTO: mapper rows and entry points --------------------------------------
+
+#define YMAP_EXPANDS_AUTO_DUCKS YMAP_MARK
+#define YMAP_EXPANDS_AUTO_MAPPERS YMAP_MARK
 
 #define YMAP_DUCKS_AUTO(leaf_body)                                                           \
     extern "C" YMAP_EXPORT cerrno YMAP_DUCK(container) YMAP_CONT_SIG {                       \
@@ -247,19 +277,10 @@
                    .component_count = std::size(YMAP_PASTE(pieces_, fn)))
 #define YMAP_NMAP_HAND_AUTO(fn, mkind, mform, hand_fn) YMAP_NMAP_AUTO(fn, mkind, mform, .hand = &hand_fn)
 #define YMAP_NMAP_OWN_AUTO(fn, mkind, mform) YMAP_NMAP_ROW_(fn, mkind, mform, .hand = &fn)
-#define YMAP_LWALK_AUTO(...)
-#define YMAP_WALK_AUTO(...)
 
 // ---- PARSER: walker rows and entry points ------------------------------------
 
-#define YMAP_DUCKS_PARSER(body)
-#define YMAP_CMAP_PARSER(...)
-#define YMAP_CMAP_HAND_PARSER(...)
-#define YMAP_NMAP_PARSER(...)
-#define YMAP_NMAP_PIECES_PARSER(...)
-#define YMAP_NMAP_HAND_PARSER(...)
-#define YMAP_NMAP_OWN_PARSER(...)
-#define YMAP_CMAP_OWN_PARSER(...)
+#define YMAP_EXPANDS_PARSER_WALKERS YMAP_MARK
 
 #define YMAP_WALKER_ENTRY_(fn)                                                               \
     extern "C" YMAP_EXPORT cerrno fn YMAP_NODE_SIG {                                         \
@@ -315,7 +336,7 @@
 
 // ---- MAPPER_LIST and WALKER_LIST: every row, for checks over the library -------
 
-#define YMAP_DUCKS_MAPPER_LIST(body)
+#define YMAP_EXPANDS_MAPPER_LIST_MAPPERS YMAP_MARK
 #define YMAP_CMAP_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_CMAP_HAND_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_NMAP_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
@@ -323,17 +344,8 @@
 #define YMAP_NMAP_HAND_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_NMAP_OWN_MAPPER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_CMAP_OWN_MAPPER_LIST(fn) &::ymap::rows::YMAP_ROW(fn),
-#define YMAP_LWALK_MAPPER_LIST(...)
-#define YMAP_WALK_MAPPER_LIST(...)
 
-#define YMAP_DUCKS_WALKER_LIST(body)
-#define YMAP_CMAP_WALKER_LIST(...)
-#define YMAP_CMAP_HAND_WALKER_LIST(...)
-#define YMAP_NMAP_WALKER_LIST(...)
-#define YMAP_NMAP_PIECES_WALKER_LIST(...)
-#define YMAP_NMAP_HAND_WALKER_LIST(...)
-#define YMAP_NMAP_OWN_WALKER_LIST(...)
-#define YMAP_CMAP_OWN_WALKER_LIST(...)
+#define YMAP_EXPANDS_WALKER_LIST_WALKERS YMAP_MARK
 #define YMAP_LWALK_WALKER_LIST(fn, ...) &::ymap::rows::YMAP_ROW(fn),
 #define YMAP_AUG_LIST_GEN(parser) &::ymap::rows::YMAP_ROW(parser),
 #define YMAP_AUG_LIST_HAND(parser)
