@@ -16,6 +16,7 @@
 
 #include "io/io_detail.hpp"
 #include "oper/oper_state.hpp"
+#include "registered_trees.hpp"
 
 namespace ocsysmapd {
 namespace {
@@ -89,19 +90,15 @@ Failure model_failure(const yang::YangError &e) {
     return {"invalid-value", {}, {}, first.path, first.message};
 }
 
-bool is_openconfig_root(const tidl_yfw_datatree &root, const yfw_map_reg_mod_t &tree) {
-    return root.tag != nullptr && root.namespace_ != nullptr &&
-           std::strcmp(root.tag, tree.oc_root) == 0 &&
-           std::strcmp(root.namespace_, tree.oc_namespace) == 0;
-}
-
-yfw_map_walker_fn native_walker(std::span<const yfw_map_reg_mod_t> trees, const Node &root) {
-    for (const yfw_map_reg_mod_t &tree : trees) {
-        if (root.tag == tree.native_root && root.ns == tree.native_namespace) {
-            return tree.native_to_oc;
-        }
-    }
-    return nullptr;
+// A native root the device holds but no registered tree maps back: the
+// registrations and the store disagree, which the client hears of.
+Failure unmapped_root(const Node &root) {
+    return {"operation-failed",
+            {},
+            root.tag,
+            {},
+            "no registered tree maps the native root \"" + root.tag + "\" in namespace \"" +
+                root.ns + "\""};
 }
 
 // default-operation replace: the root is replaced, and with it the gRPC
@@ -260,7 +257,8 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
         roots.push_back(root);
     }
     for (tidl_yfw_datatree *root : roots) {
-        if (!is_openconfig_root(*root, trees.front())) {
+        const ocsysmap::RootMapping mapping = ocsysmap::mapping_of(trees, *root);
+        if (!mapping || !mapping.from_openconfig) {
             // Nothing of another module lives on this device: a read selects
             // nothing there, an edit is refused.
             if (read_kind) {
@@ -277,12 +275,12 @@ std::optional<Failure> to_native(std::span<const yfw_map_reg_mod_t> trees,
         }
         if (removals != nullptr &&
             splits(*root, std::string("/").append(text_or_empty(root->tag)))) {
-            if (auto failed = map_removals(trees.front(), *removals, *root)) {
+            if (auto failed = map_removals(*mapping.tree, *removals, *root)) {
                 return failed;
             }
         }
         session.note_input(root);
-        const cerrno status = trees.front().oc_to_native(session.ctx(), root, session.output());
+        const cerrno status = mapping.walker(session.ctx(), root, session.output());
         if (status != YFW_SUCCESS) {
             return mapping_failure(status, session);
         }
@@ -527,13 +525,14 @@ std::optional<Failure> Device::read(uint32_t kind, std::optional<std::string_vie
     yfw::Session reply(kind);
     tidl_yfw_datatree *document = to_document(reply.arena(), answer);
     for (std::size_t i = 0; i < answer.size(); ++i) {
-        yfw_map_walker_fn walker = native_walker(trees_, answer[i]);
-        if (walker == nullptr) {
-            continue;
+        const ocsysmap::RootMapping mapping =
+            ocsysmap::mapping_of(trees_, answer[i].tag, answer[i].ns);
+        if (!mapping || mapping.from_openconfig) {
+            return unmapped_root(answer[i]);
         }
         tidl_yfw_datatree *root = &document->subtrees[i];
         reply.note_input(root);
-        const cerrno status = walker(reply.ctx(), root, reply.output());
+        const cerrno status = mapping.walker(reply.ctx(), root, reply.output());
         if (status != YFW_SUCCESS) {
             return mapping_failure(status, reply);
         }

@@ -24,6 +24,7 @@
 #include "io/io_detail.hpp"
 #include "io/ocsysmap_io.hpp"
 #include "ocsystem_map_version.h"
+#include "registered_trees.hpp"
 #include "rows_table.hpp"
 #include "yang/device_modules.hpp"
 #include "yang/oc_yang.hpp"
@@ -231,26 +232,6 @@ std::string read_input(std::string_view file, std::istream &in) {
     return text;
 }
 
-bool equals(const char *text, const char *field) {
-    return text != nullptr && std::strcmp(text, field) == 0;
-}
-
-// The walker of the first tree whose OpenConfig or native root is this root.
-yfw_map_walker_fn walker_for(std::span<const yfw_map_reg_mod_t> trees,
-                             const tidl_yfw_datatree &root) {
-    for (const yfw_map_reg_mod_t &tree : trees) {
-        if (equals(root.tag, tree.oc_root) && equals(root.namespace_, tree.oc_namespace) &&
-            tree.oc_to_native != nullptr) {
-            return tree.oc_to_native;
-        }
-        if (equals(root.tag, tree.native_root) && equals(root.namespace_, tree.native_namespace) &&
-            tree.native_to_oc != nullptr) {
-            return tree.native_to_oc;
-        }
-    }
-    return nullptr;
-}
-
 std::string describe_root(const tidl_yfw_datatree &root) {
     std::string text = root.tag != nullptr ? "\"" + std::string(root.tag) + "\"" : "without a tag";
     return text + (root.namespace_ != nullptr
@@ -455,7 +436,7 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
     // Every root must have a tree before any is mapped.
     std::vector<yfw_map_walker_fn> walkers;
     for (const tidl_yfw_datatree *root : roots) {
-        walkers.push_back(walker_for(trees, *root));
+        walkers.push_back(mapping_of(trees, *root).walker);
         if (walkers.back() == nullptr) {
             throw InputError("no tree is registered for the root " + describe_root(*root));
         }

@@ -6,6 +6,7 @@
 #include <set>
 
 #include "harness.hpp"
+#include "registered_trees.hpp"
 #include "ymap_ocsystem_modules.h"
 
 namespace {
@@ -89,10 +90,7 @@ TEST(Trace, EveryLineOfAWalkNamesARowOrAHandWrittenFunction) {
         for (const ymap::Child &c : row->children)
             if (c.leaf_name != nullptr)
                 inline_leaves.insert(c.leaf_name);
-    std::vector<yfw_map_reg_mod_t> trees;
-#define YMAP_REGISTER_(fn) fn(&trees.emplace_back());
-    YMAP_OCSYSTEM_REGISTRATIONS(YMAP_REGISTER_)
-#undef YMAP_REGISTER_
+    const auto trees = ocsysmap::registered_trees();
 
     const char *source = std::getenv("OCSYSMAP_SOURCE_DIR");
     const std::string dir = std::string(source != nullptr ? source : ".") + "/examples/";
@@ -110,11 +108,9 @@ TEST(Trace, EveryLineOfAWalkNamesARowOrAHandWrittenFunction) {
         Request r(kind);
         r.session().set_ring_trace(true);
         tidl_yfw_datatree *root = r.input(xml);
-        yfw_map_walker_fn walker = &ymap_oq_ocsystem_openconfigsystem_lvla_system;
-        for (const yfw_map_reg_mod_t &t : trees)
-            if (std::string_view(t.native_namespace) == root->namespace_ &&
-                std::string_view(t.native_root) == root->tag)
-                walker = t.native_to_oc;
+        const ocsysmap::RootMapping mapping = ocsysmap::mapping_of(trees, *root);
+        yfw_map_walker_fn walker =
+            mapping ? mapping.walker : &ymap_oq_ocsystem_openconfigsystem_lvla_system;
         (void)walker(r.ctx(), root, r.session().output());
         for (const std::string &line : r.session().ring_trace())
             seen.insert(unit_of(line));

@@ -14,6 +14,7 @@
 #include <gtest/gtest.h>
 
 #include "ocsysmap_io.hpp"
+#include "registered_trees.hpp"
 #include "yang_support.hpp"
 #include "ymap_ocsystem_modules.h"
 
@@ -77,13 +78,10 @@ Answer map_answer(std::string_view native_text, uint32_t kind) {
     }
     yfw::Session session(kind);
     for (tidl_yfw_datatree *root : ocsysmap::parse_input(session.arena(), native_text, true)) {
-        for (const auto &tree : test::trees()) {
-            if (root->tag == std::string_view(tree.native_root) &&
-                root->namespace_ == std::string_view(tree.native_namespace)) {
-                session.note_input(root);
-                a.status = tree.native_to_oc(session.ctx(), root, session.output());
-                break;
-            }
+        if (const auto mapping = ocsysmap::mapping_of(test::trees(), *root);
+            mapping && !mapping.from_openconfig) {
+            session.note_input(root);
+            a.status = mapping.walker(session.ctx(), root, session.output());
         }
     }
     each_leaf(*session.output(), "", [&a](const std::string &path, const tidl_yfw_datatree &) {
