@@ -87,9 +87,9 @@ constexpr int kSlots = 4;
 // The service's entry of `type`; an edit carries the node's operation on it.
 cerrno open_entry(yfw_map_ctx *ctx, tidl_yfw_datatree *out, const Service &s, const char *type,
                   const tidl_yfw_datatree *source) {
-    add(ctx, out, {s.entry, kNsAaaLib, 1}, nullptr, source);
-    add(ctx, out, {Path(s.entry, "/type"), kNsAaaLib, 1}, type, nullptr);
-    return add(ctx, out, {Path(s.entry, "/listname"), kNsAaaLib, 1}, kListName, nullptr);
+    add(ctx, out, {s.entry, NS_AAA_LIB_CFG, 1}, nullptr, source);
+    add(ctx, out, {Path(s.entry, "/type"), NS_AAA_LIB_CFG, 1}, type, nullptr);
+    return add(ctx, out, {Path(s.entry, "/listname"), NS_AAA_LIB_CFG, 1}, kListName, nullptr);
 }
 
 // The numbered slot of a method: the one that holds it already in this output,
@@ -127,8 +127,9 @@ cerrno all_slots(yfw_map_ctx *ctx, tidl_yfw_datatree *out, const Service &s,
                  const tidl_yfw_datatree *source) {
     cerrno rc = YFW_SUCCESS;
     for (int n = 1; n <= kSlots; ++n) {
-        add(ctx, out, {Path(s.entry, "/method", n), kNsAaaLib}, nullptr, source);
-        rc = add(ctx, out, {Path(s.entry, "/server-group-name", n), kNsAaaLib}, nullptr, source);
+        add(ctx, out, {Path(s.entry, "/method", n), NS_AAA_LIB_CFG}, nullptr, source);
+        rc = add(ctx, out, {Path(s.entry, "/server-group-name", n), NS_AAA_LIB_CFG}, nullptr,
+                 source);
     }
     return rc;
 }
@@ -150,7 +151,7 @@ cerrno oc_method(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
             return refuse(ctx, fn, s.too_many);
         const Path path(s.entry, known != nullptr ? "/method" : "/server-group-name", n);
         const bool del = yfw_map_is_request_delete(node) != 0;
-        return add(ctx, out, {path, kNsAaaLib}, del ? nullptr : value, node);
+        return add(ctx, out, {path, NS_AAA_LIB_CFG}, del ? nullptr : value, node);
     });
 }
 
@@ -161,7 +162,7 @@ cerrno qv_method(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
         if (oper_only(ctx))
             return YFW_SUCCESS;
-        const Target leaf_list{s.oc_methods, kNsOc, 1};
+        const Target leaf_list{s.oc_methods, NS_OPENCONFIG_SYSTEM, 1};
         cerrno rc = YFW_SUCCESS;
         bool any = false;
         for (int n = 1; n <= kSlots; ++n) {
@@ -201,11 +202,14 @@ cerrno qv_event(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
         const char *type = text(node->tag) == "type" ? node->value : key_of(ctx, s.entry, "type");
         const char *event = to_oc_word(s.events, type);
-        add(ctx, out, {s.oc_events, kNsOc, 1}, nullptr, nullptr);
-        cerrno rc = add(ctx, out, {Path(s.oc_events, "/event-type"), kNsOc, 1}, event, nullptr);
-        rc = write_answer(ctx, out, kNsOc, Path(s.oc_events, "/config/event-type"), nullptr, event);
+        add(ctx, out, {s.oc_events, NS_OPENCONFIG_SYSTEM, 1}, nullptr, nullptr);
+        cerrno rc = add(ctx, out, {Path(s.oc_events, "/event-type"), NS_OPENCONFIG_SYSTEM, 1},
+                        event, nullptr);
+        rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, Path(s.oc_events, "/config/event-type"),
+                          nullptr, event);
         if (leaf != nullptr)
-            rc = write_answer(ctx, out, kNsOc, Path(s.oc_events, leaf), nullptr, value);
+            rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, Path(s.oc_events, leaf), nullptr,
+                              value);
         return rc;
     });
 }
@@ -275,10 +279,13 @@ cerrno qv_key(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
         if (!text(node->tag).starts_with(takes))
             return YFW_SUCCESS;
-        cerrno rc = add(ctx, out, {Path(entry, "/", key), kNsOc, 1}, node->value, nullptr);
-        rc = write_answer(ctx, out, kNsOc, Path(entry, "/config/", key), nullptr, node->value);
+        cerrno rc =
+            add(ctx, out, {Path(entry, "/", key), NS_OPENCONFIG_SYSTEM, 1}, node->value, nullptr);
+        rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, Path(entry, "/config/", key), nullptr,
+                          node->value);
         if (leaf != nullptr)
-            rc = write_answer(ctx, out, kNsOc, Path(entry, leaf), nullptr, leaf_value);
+            rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, Path(entry, leaf), nullptr,
+                              leaf_value);
         return rc;
     });
 }
@@ -290,7 +297,8 @@ cerrno qv_config(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
         if (!text(node->tag).starts_with(takes))
             return YFW_SUCCESS;
-        return write_answer(ctx, out, kNsOc, path, nullptr, to_oc_word(words, node->value));
+        return write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, path, nullptr,
+                            to_oc_word(words, node->value));
     });
 }
 
@@ -302,17 +310,20 @@ struct Augment {
     yfw_map_walker_fn entry;
 };
 constexpr Augment kAaaAugments[] = {
-    {kNsLocald, "password-policies", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvla_aaa},
-    {kNsLocald, "server-groups", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlb_aaa},
-    {kNsLocald, "default-taskgroup", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlc_aaa},
-    {kNsLocald, "admin-accounting", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvld_aaa},
-    {kNsLocald, "usernames", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvle_aaa},
-    {kNsLocald, "taskgroups", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlf_aaa},
-    {kNsLocald, "usergroups", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlg_aaa},
-    {kNsTacacs, "tacacs", &ymap_qo_ocsystem_tarvexqvaaatacacscfg_augment_lvla_aaa},
+    {NS_AAA_LOCALD_CFG, "password-policies",
+     &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvla_aaa},
+    {NS_AAA_LOCALD_CFG, "server-groups", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlb_aaa},
+    {NS_AAA_LOCALD_CFG, "default-taskgroup",
+     &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlc_aaa},
+    {NS_AAA_LOCALD_CFG, "admin-accounting",
+     &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvld_aaa},
+    {NS_AAA_LOCALD_CFG, "usernames", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvle_aaa},
+    {NS_AAA_LOCALD_CFG, "taskgroups", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlf_aaa},
+    {NS_AAA_LOCALD_CFG, "usergroups", &ymap_qo_ocsystem_tarvexqvaaalocaldcfg_augment_lvlg_aaa},
+    {NS_AAA_TACACS_CFG, "tacacs", &ymap_qo_ocsystem_tarvexqvaaatacacscfg_augment_lvla_aaa},
 };
 constexpr Augment kServerGroupAugments[] = {
-    {kNsTacacs, "tacacs-server-groups",
+    {NS_AAA_TACACS_CFG, "tacacs-server-groups",
      &ymap_qo_ocsystem_tarvexqvaaatacacscfg_augment_lvla_server_groups},
 };
 
@@ -348,7 +359,7 @@ cerrno oc_aaa(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
               tidl_yfw_datatree *out_tree) {
     (void)count;
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
-        return add(ctx, out_tree, {"/aaa", kNsAaaLib}, nullptr, nullptr);
+        return add(ctx, out_tree, {"/aaa", NS_AAA_LIB_CFG}, nullptr, nullptr);
     });
 }
 
@@ -367,7 +378,7 @@ cerrno qv_server_groups(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t coun
 cerrno oc_server_groups(yfw_map_ctx *ctx, tidl_yfw_datatree *node, uint32_t count,
                         tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
-        const Target groups{"/aaa/server-groups", kNsLocald, 0, 1};
+        const Target groups{"/aaa/server-groups", NS_AAA_LOCALD_CFG, 0, 1};
         // A read of the bare container selects it; the groups below must not
         // bring it in under another module.
         if (count != 0 || read_kind(ctx))
@@ -423,8 +434,8 @@ cerrno oc_record(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_datat
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
         const char *event = key_of(ctx, kAcct.oc_events, "event-type");
         open_entry(ctx, out_tree, kAcct, to_native_word(kAcct.events, event), nullptr);
-        return write_leaf(ctx, __func__, out_tree, {Path(kAcct.entry, "/type-qv"), kNsAaaLib}, node,
-                          record_word);
+        return write_leaf(ctx, __func__, out_tree, {Path(kAcct.entry, "/type-qv"), NS_AAA_LIB_CFG},
+                          node, record_word);
     });
 }
 
@@ -449,9 +460,10 @@ cerrno oc_name_orderingIndex(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
         if (names_no_entry(ctx, node))
             return YFW_SUCCESS;
         // A read selects the user by name, whatever index the device gave it.
-        write_key(ctx, out_tree, {Path(kUser, "/ordering-index"), kNsLocald, 1, 1}, node,
+        write_key(ctx, out_tree, {Path(kUser, "/ordering-index"), NS_AAA_LOCALD_CFG, 1, 1}, node,
                   read_kind(ctx) ? nullptr : kUserOrderingIndex);
-        return write_key(ctx, out_tree, {Path(kUser, "/name"), kNsLocald, 1, 1}, node, node->value);
+        return write_key(ctx, out_tree, {Path(kUser, "/name"), NS_AAA_LOCALD_CFG, 1, 1}, node,
+                         node->value);
     });
 }
 
@@ -460,14 +472,16 @@ cerrno oc_usernameSecret(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
         // A delete does not tell the kind of hash: the whole secret goes.
         if (!read_kind(ctx) && yfw_map_is_request_delete(node))
-            return add(ctx, out_tree, {Path(kUser, "/secret"), kNsLocald, 0, 1}, nullptr, node);
+            return add(ctx, out_tree, {Path(kUser, "/secret"), NS_AAA_LOCALD_CFG, 0, 1}, nullptr,
+                       node);
         const HashKind &k = hash_kind(node->value);
-        write_leaf(ctx, __func__, out_tree, {Path(kUser, "/secret/type"), kNsLocald, 0, 1}, node,
-                   [](const char *v) {
+        write_leaf(ctx, __func__, out_tree, {Path(kUser, "/secret/type"), NS_AAA_LOCALD_CFG, 0, 1},
+                   node, [](const char *v) {
                        return Native{Native::Set, hash_kind(v).type};
                    });
         return write_leaf(ctx, __func__, out_tree,
-                          {Path(kUser, "/secret", k.leaf), kNsLocald, 0, 1}, node, unchanged);
+                          {Path(kUser, "/secret", k.leaf), NS_AAA_LOCALD_CFG, 0, 1}, node,
+                          unchanged);
     });
 }
 
@@ -475,9 +489,11 @@ cerrno oc_authen_user_role(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                            tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
         const Path group(kUser, "/usergroup-under-usernames/usergroup-under-username");
-        add(ctx, out_tree, {group, kNsLocald, 1, 1}, nullptr, read_kind(ctx) ? nullptr : node);
+        add(ctx, out_tree, {group, NS_AAA_LOCALD_CFG, 1, 1}, nullptr,
+            read_kind(ctx) ? nullptr : node);
         const char *name = node->value != nullptr ? to_native_word(kRoles, node->value) : nullptr;
-        return add(ctx, out_tree, {Path(group.text, "/name"), kNsLocald, 1, 1}, name, nullptr);
+        return add(ctx, out_tree, {Path(group.text, "/name"), NS_AAA_LOCALD_CFG, 1, 1}, name,
+                   nullptr);
     });
 }
 
@@ -506,8 +522,9 @@ cerrno oc_serverType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_d
         if (text(node->tag) != "type" && names_no_entry(ctx, node))
             return YFW_SUCCESS;
         if (text(node->tag) != "type")
-            return write_key(ctx, out_tree, {Path(kGroup, "/server-group-name"), kNsTacacs, 1, 1},
-                             node, node->value);
+            return write_key(ctx, out_tree,
+                             {Path(kGroup, "/server-group-name"), NS_AAA_TACACS_CFG, 1, 1}, node,
+                             node->value);
         if (read_kind(ctx) || yfw_map_is_request_delete(node) ||
             text(to_native_word(kServerTypes, node->value)) != "radius")
             return YFW_SUCCESS;
@@ -517,14 +534,14 @@ cerrno oc_serverType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_d
 
 cerrno oc_ipaddress_servType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                              tidl_yfw_datatree *out_tree) {
-    return oc_key(ctx, __func__, node, out_tree, Path(kServer, "/ip-address"), kNsTacacs);
+    return oc_key(ctx, __func__, node, out_tree, Path(kServer, "/ip-address"), NS_AAA_TACACS_CFG);
 }
 
 // The private server list is keyed by address and port alone: no ordering
 // index is written.
 cerrno oc_privServPortOrderingIndex(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                                     tidl_yfw_datatree *out_tree) {
-    return oc_key(ctx, __func__, node, out_tree, Path(kServer, "/port-number"), kNsTacacs);
+    return oc_key(ctx, __func__, node, out_tree, Path(kServer, "/port-number"), NS_AAA_TACACS_CFG);
 }
 
 cerrno oc_tacacsServerSecretKey(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
@@ -532,11 +549,12 @@ cerrno oc_tacacsServerSecretKey(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
         const Path key(kServer, "/key");
         if (!read_kind(ctx) && yfw_map_is_request_delete(node))
-            return add(ctx, out_tree, {key, kNsTacacs, 0, 1}, nullptr, node);
-        write_leaf(ctx, __func__, out_tree, {Path(key.text, "/encrypt-type"), kNsTacacs, 0, 1},
-                   node, clear_key_type);
-        return write_leaf(ctx, __func__, out_tree, {Path(key.text, "/secret7"), kNsTacacs, 0, 1},
-                          node, unchanged);
+            return add(ctx, out_tree, {key, NS_AAA_TACACS_CFG, 0, 1}, nullptr, node);
+        write_leaf(ctx, __func__, out_tree,
+                   {Path(key.text, "/encrypt-type"), NS_AAA_TACACS_CFG, 0, 1}, node,
+                   clear_key_type);
+        return write_leaf(ctx, __func__, out_tree,
+                          {Path(key.text, "/secret7"), NS_AAA_TACACS_CFG, 0, 1}, node, unchanged);
     });
 }
 

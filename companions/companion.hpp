@@ -12,17 +12,14 @@
 #include "yfw_map.h"
 #include "yfw_map_trace.h"
 #include "ymap_companions.h"
+#include "ymap_namespaces.h"
 
 namespace companion {
 
-// The device's module URIs.
-#define COMPANION_NATIVE_NS(module) "http://tarvex.local/ns/yang/" module
-inline constexpr const char kNsOc[] = "http://openconfig.net/yang/system";
-inline constexpr const char kNsSsh[] = COMPANION_NATIVE_NS("Tarvex-QV-crypto-ssh-cfg");
-inline constexpr const char kNsNtp[] = COMPANION_NATIVE_NS("Tarvex-QV-ip-ntp-cfg");
-inline constexpr const char kNsAaaLib[] = COMPANION_NATIVE_NS("Tarvex-QV-aaa-lib-cfg");
-inline constexpr const char kNsLocald[] = COMPANION_NATIVE_NS("Tarvex-QV-aaa-locald-cfg");
-inline constexpr const char kNsTacacs[] = COMPANION_NATIVE_NS("Tarvex-QV-aaa-tacacs-cfg");
+// The namespaces, as the library names them.
+#define COMPANION_NS_(id, module, ns) inline constexpr char NS_##id[] = ns;
+YMAP_MODULES(COMPANION_NS_)
+#undef COMPANION_NS_
 
 // A null context is the caller's programming fault, in release builds too.
 [[noreturn]] inline void null_context(const char *fn) {

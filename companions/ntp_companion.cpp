@@ -35,8 +35,8 @@ Family family_of(const char *address) {
 }
 
 constexpr Target kAddress[] = {
-    {"/ntp/peer-vrfs/peer-vrf/peer-ipv4s/peer-ipv4/address-ipv4", kNsNtp, 1},
-    {"/ntp/peer-vrfs/peer-vrf/peer-ipv6s/peer-ipv6/address-ipv6", kNsNtp, 1},
+    {"/ntp/peer-vrfs/peer-vrf/peer-ipv4s/peer-ipv4/address-ipv4", NS_IP_NTP_CFG, 1},
+    {"/ntp/peer-vrfs/peer-vrf/peer-ipv6s/peer-ipv6/address-ipv6", NS_IP_NTP_CFG, 1},
 };
 
 // An entry being deleted whole: the walkers suppress its key checks.
@@ -115,24 +115,27 @@ extern "C" {
 
 cerrno oc_qv_ntp_enabled(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                          tidl_yfw_datatree *out_tree) {
-    return leaf(ctx, __func__, node, out_tree, {"/ntp/max-associations", kNsNtp}, enabled_mark);
+    return leaf(ctx, __func__, node, out_tree, {"/ntp/max-associations", NS_IP_NTP_CFG},
+                enabled_mark);
 }
 
 cerrno oc_qv_ntp_auth_enabled(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                               tidl_yfw_datatree *out_tree) {
-    return leaf(ctx, __func__, node, out_tree, {"/ntp/authentication/enable", kNsNtp}, empty_leaf);
+    return leaf(ctx, __func__, node, out_tree, {"/ntp/authentication/enable", NS_IP_NTP_CFG},
+                empty_leaf);
 }
 
 cerrno oc_qv_key_value(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                        tidl_yfw_datatree *out_tree) {
     return leaf(ctx, __func__, node, out_tree,
-                {"/ntp/authentication/keys/key/authentication-key", kNsNtp}, unchanged);
+                {"/ntp/authentication/keys/key/authentication-key", NS_IP_NTP_CFG}, unchanged);
 }
 
 cerrno oc_qv_key_id(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
-        return write_key(ctx, out_tree, {"/ntp/authentication/keys/key/key-number", kNsNtp, 1},
-                         node, node->value);
+        return write_key(ctx, out_tree,
+                         {"/ntp/authentication/keys/key/key-number", NS_IP_NTP_CFG, 1}, node,
+                         node->value);
     });
 }
 

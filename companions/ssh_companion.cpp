@@ -46,14 +46,18 @@ constexpr const char kSshVrf[] = "default";
 enum Leaf { Enable, Version, Timeout, RateLimit, SessionLimit };
 constexpr SshLeaf kLeaves[] = {
     {"enable",
-     {"/ssh/server/vrf-table/vrf/enable", kNsSsh},
+     {"/ssh/server/vrf-table/vrf/enable", NS_CRYPTO_SSH_CFG},
      boolean_empty_leaf,
      present_true,
      true},
-    {"protocol-version", {"/ssh/server/v2", kNsSsh}, version_to_native, present_v2, false},
-    {"timeout", {"/ssh/server/timeout", kNsSsh}, unchanged, same, false},
-    {"rate-limit", {"/ssh/server/rate-limit", kNsSsh}, unchanged, same, false},
-    {"session-limit", {"/ssh/server/session-limit", kNsSsh}, unchanged, same, false},
+    {"protocol-version",
+     {"/ssh/server/v2", NS_CRYPTO_SSH_CFG},
+     version_to_native,
+     present_v2,
+     false},
+    {"timeout", {"/ssh/server/timeout", NS_CRYPTO_SSH_CFG}, unchanged, same, false},
+    {"rate-limit", {"/ssh/server/rate-limit", NS_CRYPTO_SSH_CFG}, unchanged, same, false},
+    {"session-limit", {"/ssh/server/session-limit", NS_CRYPTO_SSH_CFG}, unchanged, same, false},
 };
 
 cerrno to_native(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
@@ -61,8 +65,8 @@ cerrno to_native(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
         // A read asks every VRF, since any of them enabling SSH makes it on.
         if (leaf.in_vrf && !read_kind(ctx)) {
-            add(ctx, out, {kVrf, kNsSsh, 1}, nullptr, nullptr);
-            add(ctx, out, {kVrfName, kNsSsh, 1}, kSshVrf, nullptr);
+            add(ctx, out, {kVrf, NS_CRYPTO_SSH_CFG, 1}, nullptr, nullptr);
+            add(ctx, out, {kVrfName, NS_CRYPTO_SSH_CFG, 1}, kSshVrf, nullptr);
         }
         return write_leaf(ctx, fn, out, leaf.native, node, leaf.to_native);
     });
@@ -71,9 +75,9 @@ cerrno to_native(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
 cerrno to_oc(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
              tidl_yfw_datatree *out, const SshLeaf &leaf) {
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
-        return write_answer(ctx, out, kNsOc, Path("/system/ssh-server/config/", leaf.oc_leaf),
-                            Path("/system/ssh-server/state/", leaf.oc_leaf),
-                            leaf.to_oc(node->value));
+        return write_answer(
+            ctx, out, NS_OPENCONFIG_SYSTEM, Path("/system/ssh-server/config/", leaf.oc_leaf),
+            Path("/system/ssh-server/state/", leaf.oc_leaf), leaf.to_oc(node->value));
     });
 }
 

@@ -2,7 +2,10 @@
 // with the OpenConfig `system` root. All of them name the one OpenConfig root
 // walker, since the whole OpenConfig subtree is walked from /system and the
 // mappers decide per leaf which native module receives it.
+#include <algorithm>
+#include <array>
 #include <cstring>
+#include <string_view>
 
 #include "ymap_ocsystem_modules.h"
 
@@ -49,6 +52,16 @@ struct Tree {
                   sizeof(root) <= YFW_MAP_REG_TEXT);
 YMAP_TREES(YMAP_TREE_STRINGS_FIT_)
 #undef YMAP_TREE_STRINGS_FIT_
+
+// The public header declares the same trees in the same order: a tree left
+// out of either list stops the build here, not at a host that finds no tree.
+#define YMAP_TREE_NAME_(fn, ...) std::string_view(#fn),
+#define YMAP_DECLARED_NAME_(fn) std::string_view(#fn),
+static_assert(std::ranges::equal(std::array{YMAP_TREES(YMAP_TREE_NAME_)},
+                                 std::array{YMAP_OCSYSTEM_REGISTRATIONS(YMAP_DECLARED_NAME_)}),
+              "YMAP_TREES and YMAP_OCSYSTEM_REGISTRATIONS list other trees");
+#undef YMAP_TREE_NAME_
+#undef YMAP_DECLARED_NAME_
 
 // A string that does not fit the record cannot be registered: a failed copy
 // is fatal.

@@ -4,6 +4,7 @@
 // callback marks rows in the copy.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -35,7 +36,7 @@ bool has_second(const xpath_list_type_t &row);
 // looks like one, it fits the stack copy, and no row starts selected. (Value
 // functions are not looked at: a sanitizing build cannot compare function
 // addresses at compile time.)
-template <std::size_t N> consteval bool check_table(const xpath_list_type_t (&rows)[N]) {
+template <std::size_t N> consteval bool check_table(const std::array<xpath_list_type_t, N> &rows) {
     const auto is = [](const char *text, std::string_view word) { return word == text; };
     if (N < 2 || N > kMaxTableRows)
         throw "a table has one to four data rows and its closing row";
@@ -49,6 +50,38 @@ template <std::size_t N> consteval bool check_table(const xpath_list_type_t (&ro
     return true;
 }
 
+// A row as written: its texts are copied into the record's fixed fields when
+// the table is built, so a row may name the namespace constants; a text that
+// does not fit stops the build.
+struct XpathRow {
+    const char *xpath;
+    const char *ns;
+    xpath_value_fn value_fn;
+    uint32_t selected;
+    uint32_t augment_flag;
+    const char *second_xpath;
+};
+
+template <std::size_t N> consteval void copy_text(char (&to)[N], std::string_view text) {
+    if (text.size() >= N)
+        throw "a text of a table row does not fit its field";
+    std::copy(text.begin(), text.end(), to);
+}
+
+template <std::size_t N>
+consteval std::array<xpath_list_type_t, N> table_records(const XpathRow (&rows)[N]) {
+    std::array<xpath_list_type_t, N> out{};
+    for (std::size_t i = 0; i < N; ++i) {
+        copy_text(out[i].xpath, rows[i].xpath);
+        copy_text(out[i].namespace_, rows[i].ns);
+        copy_text(out[i].second_xpath, rows[i].second_xpath);
+        out[i].value_fn = rows[i].value_fn;
+        out[i].selected = rows[i].selected;
+        out[i].augment_flag = rows[i].augment_flag;
+    }
+    return out;
+}
+
 // A table's constant: `user` (its rows closed by the closing row, checked at
 // compile time) with the callback that marks them. The callback of a table
 // may live in another library; nothing references it until a mapper uses the
@@ -56,10 +89,12 @@ template <std::size_t N> consteval bool check_table(const xpath_list_type_t (&ro
 #define YMAP_XPATH_CLOSING_ROW                                                                     \
     { "NULL", "NULL", nullptr, 0, 0, "None" }
 #define YMAP_XPATH_TABLE(user_, callback_, ...)                                                    \
-    inline constexpr xpath_list_type_t user_##_rows[] = {__VA_ARGS__, YMAP_XPATH_CLOSING_ROW};     \
+    inline constexpr auto user_##_rows =                                                           \
+        ::ymap::table_records({__VA_ARGS__, YMAP_XPATH_CLOSING_ROW});                              \
     static_assert(::ymap::check_table(user_##_rows));                                              \
     inline constexpr ::ymap::XpathTable user_ {                                                    \
-#user_, user_##_rows, static_cast < uint32_t>(std::size(user_##_rows) - 1), &(callback_)   \
+#user_, user_##_rows.data(), static_cast < uint32_t>(user_##_rows.size() - 1),             \
+            &(callback_)                                                                           \
     }
 
 // The one primitive of the table forms, for generated and hand-written

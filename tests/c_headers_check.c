@@ -3,6 +3,7 @@
 #include "qv_platform.h"
 #include "yfw_map.h"
 #include "yfw_map_trace.h"
+#include "ymap_namespaces.h"
 #include "ymap_ocsystem.h"
 
 cerrno c_headers_check(yfw_map_ctx *ctx, tidl_yfw_datatree *node);

@@ -4,45 +4,16 @@
 #include <array>
 
 #include "internal.hpp"
+#include "ymap_namespaces.h"
 
 namespace yfw {
 namespace {
 
-#define NATIVE_MODULE(name)                                                                        \
-    Module {                                                                                       \
-        name, "http://tarvex.local/ns/yang/" name                                                  \
-    }
-
-constexpr std::array kModules = {
-    Module{"openconfig-system", "http://openconfig.net/yang/system"},
-    Module{"openconfig-system-grpc", "http://openconfig.net/yang/system-grpc"},
-    Module{"openconfig-messages", "http://openconfig.net/yang/messages"},
-    Module{"openconfig-alarms", "http://openconfig.net/yang/alarms"},
-    NATIVE_MODULE("Tarvex-QV-shellutil-cfg"),
-    NATIVE_MODULE("Tarvex-QV-infra-infra-cfg"),
-    NATIVE_MODULE("Tarvex-QV-infra-infra-clock-linux-cfg"),
-    NATIVE_MODULE("Tarvex-QV-ip-domain-cfg"),
-    NATIVE_MODULE("Tarvex-QV-ip-ntp-cfg"),
-    NATIVE_MODULE("Tarvex-QV-infra-syslog-cfg"),
-    NATIVE_MODULE("Tarvex-QV-crypto-ssh-cfg"),
-    NATIVE_MODULE("Tarvex-QV-ip-tcp-cfg"),
-    NATIVE_MODULE("Tarvex-QV-openconfig-system-terminal-ext"),
-    NATIVE_MODULE("Tarvex-QV-man-ems-cfg"),
-    NATIVE_MODULE("Tarvex-QV-aaa-lib-cfg"),
-    NATIVE_MODULE("Tarvex-QV-aaa-locald-cfg"),
-    NATIVE_MODULE("Tarvex-QV-aaa-tacacs-cfg"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-oc-system-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-oc-dns-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-ntp-telemetry-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-messages-telemetry-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-octelnet-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-oc-ems-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-aaa-telemetry-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-ocsystem-cpu-oper"),
-    NATIVE_MODULE("Tarvex-QV-PRIVATE-alarm-mgr-oc-oper"),
-};
-
-#undef NATIVE_MODULE
+// The modules the mapping library names, from its own list: the stand-in
+// knows exactly the schema the library is built for.
+#define YFW_MODULE_(id, name, ns) Module{name, ns},
+constexpr std::array kModules = {YMAP_MODULES(YFW_MODULE_)};
+#undef YFW_MODULE_
 
 // Registration records copy namespaces into 81 bytes.
 static_assert(std::ranges::all_of(kModules, [](const Module &m) { return m.ns.size() <= 80; }));
@@ -102,6 +73,7 @@ constexpr std::array kLists = {
     ListRow{"/ntp/peer-vrfs/peer-vrf/peer-ipv4s/peer-ipv4/peer-type-ipv4",        {"peer-type"}},
     ListRow{"/ntp/peer-vrfs/peer-vrf/peer-ipv6s/peer-ipv6/peer-type-ipv6",        {"peer-type"}},
     ListRow{"/ntp/authentication/keys/key",                                       {"key-number"}},
+    ListRow{"/ntp/authentication/trusted-keys/trusted-key",                      {"key-number"}},
     // Tarvex-QV-PRIVATE-ocsystem-ntp-telemetry-oper
     ListRow{"/ocntp/system/ntp/servers/server",                                   {"address"}},
     // Tarvex-QV-infra-syslog-cfg
@@ -109,6 +81,7 @@ constexpr std::array kLists = {
     ListRow{"/syslog/host-server/vrfs/vrf/hosts/host",                            {"host-name"}},
     ListRow{"/syslog/host-server/vrfs/vrf/ipv4s/ipv4",                            {"address"}},
     ListRow{"/syslog/host-server/vrfs/vrf/ipv6s/ipv6",                            {"address"}},
+    ListRow{"/syslog/files/file",                                                {"file-name"}},
     // Tarvex-QV-crypto-ssh-cfg
     ListRow{"/ssh/server/vrf-table/vrf",                                          {"vrf-name"}},
     ListRow{"/ssh/server/netconf-vrf-table/vrf",                                  {"vrf-name"}},
@@ -135,8 +108,10 @@ constexpr std::array kLists = {
     ListRow{"/aaa/usernames/username",                                            {"ordering-index", "name"}},
     ListRow{"/aaa/usernames/username/usergroup-under-usernames/usergroup-under-username", {"name"}},
     ListRow{"/aaa/password-policies/password-policy",                             {"name"}},
+    ListRow{"/aaa/taskgroups/taskgroup",                                          {"name"}},
     ListRow{"/aaa/taskgroups/taskgroup/taskgroup-under-taskgroups/taskgroup-under-taskgroup", {"name"}},
     ListRow{"/aaa/taskgroups/taskgroup/tasks/task",                               {"task-id"}},
+    ListRow{"/aaa/usergroups/usergroup",                                          {"name"}},
     ListRow{"/aaa/usergroups/usergroup/taskgroup-under-usergroups/taskgroup-under-usergroup", {"name"}},
     ListRow{"/aaa/usergroups/usergroup/usergroup-under-usergroups/usergroup-under-usergroup", {"name"}},
     // Tarvex-QV-aaa-tacacs-cfg

@@ -12,13 +12,14 @@
 #include "ocsysmap_io.hpp"
 #include "yfw/standin.hpp"
 #include "yfw_map.h"
+#include "ymap_namespaces.hpp"
 
 namespace test {
 
-inline constexpr const char kOc[] = "http://openconfig.net/yang/system";
+inline constexpr const auto &kOc = NS_OPENCONFIG_SYSTEM;
 inline constexpr const char kNc[] = "urn:ietf:params:xml:ns:netconf:base:1.0";
 inline std::string native_ns(std::string_view module) {
-    return "http://tarvex.local/ns/yang/" + std::string(module);
+    return YMAP_NATIVE_NS("") + std::string(module);
 }
 
 // An OpenConfig request rooted at /system, with "nc" bound to the NETCONF base
