@@ -531,14 +531,21 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
     Placed at{tree, nullptr};
     std::size_t i = 0;
     if (memo != nullptr && memo->tree == tree && memo->reshapes == reshapes) {
-        for (; i < memo->depth && i < count; ++i) {
+        // A level with the same segments above it on the same tree has the
+        // same keys, so only a list level, and the last, need `how`.
+        const bool last_is_child = !ends_in_key && !(list_entry && value != nullptr);
+        for (const std::size_t reach = std::min(memo->depth, count); i < reach; ++i) {
             const AddMemo::Level &level = memo->levels[i];
-            const std::optional<How> way = how(i);
-            if (level.segment.data() != segments[i].data() || !way ||
-                level.position >= at.node->subtree_count ||
-                (level.list == nullptr) != (*way == How::Child))
+            if (level.segment.data() != segments[i].data() ||
+                level.position >= at.node->subtree_count)
                 break;
-            if (ListState *list = level.list) {
+            if (level.list == nullptr) {
+                if (i + 1 == count && !last_is_child)
+                    break;
+            } else if (const std::optional<How> way = how(i); !way || *way == How::Child) {
+                break;
+            } else {
+                ListState *list = level.list;
                 // The entry stays while the list keeps it current; an open
                 // output list takes it once bound to it.
                 if (list->current != level.position ||
