@@ -385,12 +385,6 @@ Arena::Impl *arena_of(const tidl_yfw_datatree *node) {
     return block != nullptr ? block->arena : nullptr;
 }
 
-std::span<tidl_yfw_datatree> children(const tidl_yfw_datatree *node) {
-    if (node == nullptr || !node->present_subtrees || node->subtrees == nullptr)
-        return {};
-    return {node->subtrees, node->subtree_count};
-}
-
 const tidl_yfw_datatree *child_with_tag(const tidl_yfw_datatree *node, std::string_view tag) {
     auto kids = children(node);
     auto it = std::ranges::find_if(

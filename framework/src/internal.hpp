@@ -368,7 +368,12 @@ Block *block_starting_at(const tidl_yfw_datatree *array);
 Block *block_containing(const tidl_yfw_datatree *node);
 
 // The node's children; a malformed pair (present, null array, count) reads as none.
-std::span<tidl_yfw_datatree> children(const tidl_yfw_datatree *node);
+// Inline: every lookup and add starts here.
+inline std::span<tidl_yfw_datatree> children(const tidl_yfw_datatree *node) {
+    if (node == nullptr || !node->present_subtrees || node->subtrees == nullptr)
+        return {};
+    return {node->subtrees, node->subtree_count};
+}
 // The first child with this tag, or null.
 const tidl_yfw_datatree *child_with_tag(const tidl_yfw_datatree *node, std::string_view tag);
 
