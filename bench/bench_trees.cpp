@@ -3,7 +3,7 @@
 #include <array>
 #include <stdexcept>
 
-#include "ymap_namespaces.hpp"
+#include "ymap_namespaces.h"
 
 namespace bench {
 

@@ -11,10 +11,11 @@
 
 #include "device.hpp"
 #include "registered_trees.hpp"
+#include "ymap_namespaces.h"
 
 namespace {
 
-constexpr const char *kOc = "http://openconfig.net/yang/system";
+constexpr const char *kOc = NS_OPENCONFIG_SYSTEM;
 
 std::string address(int i) {
     return "10." + std::to_string(i >> 16 & 255) + "." + std::to_string(i >> 8 & 255) + "." +

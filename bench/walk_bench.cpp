@@ -13,7 +13,7 @@
 #include "bench_host.hpp"
 #include "bench_trees.hpp"
 #include "ymap_cpu_words.hpp"
-#include "ymap_namespaces.hpp"
+#include "ymap_namespaces.h"
 #include "ymap_ocsystem_modules.h"
 
 namespace {

@@ -16,11 +16,6 @@
 
 namespace companion {
 
-// The namespaces, as the library names them.
-#define COMPANION_NS_(id, module, ns) inline constexpr char NS_##id[] = ns;
-YMAP_MODULES(COMPANION_NS_)
-#undef COMPANION_NS_
-
 // A null context is the caller's programming fault, in release builds too.
 [[noreturn]] inline void null_context(const char *fn) {
     std::fprintf(stderr, "%s: Assertion `NULL != ctx' failed.\n", fn);

@@ -17,6 +17,7 @@
 #include "io/io_detail.hpp"
 #include "oper/oper_state.hpp"
 #include "registered_trees.hpp"
+#include "ymap_namespaces.h"
 
 namespace ocsysmapd {
 namespace {
@@ -24,8 +25,8 @@ namespace {
 using ocsysmap::detail::children_of;
 namespace yang = ocsysmap::yang;
 
-constexpr std::string_view kOcSystemNs = "http://openconfig.net/yang/system";
-constexpr std::string_view kOcGrpcNs = "http://openconfig.net/yang/system-grpc";
+constexpr std::string_view kOcSystemNs = NS_OPENCONFIG_SYSTEM;
+constexpr std::string_view kOcGrpcNs = NS_OPENCONFIG_SYSTEM_GRPC;
 constexpr std::string_view kGrpcServers = "grpc-servers";
 
 // How a mapping status reaches the client: its name, the NETCONF error-tag

@@ -5,7 +5,8 @@
  *
  *   X(ID, "module-name", "namespace")
  *
- * A native module's namespace is its name below the device's URI.
+ * A native module's namespace is its name below the device's URI. C++ units
+ * also get each namespace as a constant, NS_<ID>.
  */
 #ifndef YMAP_NAMESPACES_H
 #define YMAP_NAMESPACES_H
@@ -45,5 +46,11 @@
     YMAP_NATIVE_MODULE_(X, CPU_OPER,               "Tarvex-QV-PRIVATE-ocsystem-cpu-oper")          \
     YMAP_NATIVE_MODULE_(X, ALARM_MGR_OPER,         "Tarvex-QV-PRIVATE-alarm-mgr-oc-oper")
 /* clang-format on */
+
+#ifdef __cplusplus
+#define YMAP_NS_CONSTANT_(id, module, ns) inline constexpr char NS_##id[] = ns;
+YMAP_MODULES(YMAP_NS_CONSTANT_)
+#undef YMAP_NS_CONSTANT_
+#endif
 
 #endif /* YMAP_NAMESPACES_H */

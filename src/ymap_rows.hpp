@@ -16,7 +16,7 @@
 
 #include "ymap_companions.h"
 #include "ymap_frame.hpp"
-#include "ymap_namespaces.hpp"
+#include "ymap_namespaces.h"
 
 // The macros keep their hand alignment.
 // clang-format off

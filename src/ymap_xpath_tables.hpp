@@ -5,7 +5,7 @@
 #pragma once
 
 #include "ymap_companions.h"
-#include "ymap_namespaces.hpp"
+#include "ymap_namespaces.h"
 #include "ymap_xpath.hpp"
 
 // The callbacks. Those of the NTP servers come from the NTP companion library

@@ -11,7 +11,7 @@
 
 #include "ocsysmap_io.hpp"
 #include "ymap_cpu_words.hpp"
-#include "ymap_namespaces.hpp"
+#include "ymap_namespaces.h"
 
 namespace ocsysmapd::oper {
 namespace {

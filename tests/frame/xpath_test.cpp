@@ -1,7 +1,7 @@
 // The table forms: a callback marks rows of a table copied to the stack, and
 // one add (two on reads, where a row has a second path) follows per marked row.
 #include "harness.hpp"
-#include "ymap_namespaces.hpp"
+#include "ymap_namespaces.h"
 #include "ymap_xpath.hpp"
 
 namespace {

@@ -12,7 +12,7 @@
 #include "ocsysmap_io.hpp"
 #include "yfw/standin.hpp"
 #include "yfw_map.h"
-#include "ymap_namespaces.hpp"
+#include "ymap_namespaces.h"
 
 namespace test {
 
