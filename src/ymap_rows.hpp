@@ -11,7 +11,9 @@
 // body of its form, and bears the name that the naming rule gives:
 //   ymap_<dir>_ocsystem_<module>_<kind>_<level>_<path>.
 // A description sets YMAP_DIR (oq or qo), YMAP_MOD (the module word) and
-// YMAP_NS (its own namespace) first and undefines them at its end.
+// YMAP_NS (its own namespace) first and undefines them at its end. Its rows
+// may stand in any order, since the module header (DECLARE) names every entry
+// point and row before a pass defines one: a description reads top-down.
 #pragma once
 
 #include "ymap_companions.h"
@@ -165,6 +167,14 @@
 #define YMAP_AUGMENT_WALKER_PARSED_BY(lv_, node_, fl_, aug_, parser_, ...)                    \
     YMAP_DISPATCH(YMAP_WALK)(YMAP_AUGMENT(lv_, node_), parser_, aug_, Augment, fl_, nullptr, \
                              nullptr, nullptr, (), __VA_ARGS__)
+
+// A leaf whose walker only restates its mapper: the mapper row gives the
+// walker too. YMAP_LEAF_NODE(LEAF_TO, lv, node, ...) is YMAP_LEAF_TO(lv, node,
+// ...) with YMAP_LEAF_WALKER(lv, node).
+#define YMAP_LEAF_NODE(form_, lv_, node_, ...) \
+    YMAP_##form_(lv_, node_ __VA_OPT__(,) __VA_ARGS__) YMAP_LEAF_WALKER(lv_, node_)
+#define YMAP_LEAFLIST_NODE(form_, lv_, node_, ...) \
+    YMAP_##form_(lv_, node_ __VA_OPT__(,) __VA_ARGS__) YMAP_LEAFLIST_WALKER(lv_, node_)
 
 // Walkers whose node has no mapper of its own use a catch-all mapper.
 #define YMAP_LEAF_WALKER_WITH(lv_, node_, mapper_fn_) \
