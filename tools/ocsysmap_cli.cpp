@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <optional>
@@ -357,10 +358,12 @@ struct Typed {
 // The output printed: OpenConfig roots by the models (checked with
 // --validate), native roots by the tool's own writers; the typed roots are
 // handed back to be printed last. Nothing is written when the models refuse
-// the answer or a writer refuses the tree.
+// the answer or a writer refuses the tree. `let_go` is called, at most once,
+// as soon as the document is no longer read: libyang's copy and the tool's
+// tree together are where the memory peaks otherwise.
 std::optional<Typed> write_output(std::ostream &out, const MapOptions &options,
                                   const yang::Models *models, const tidl_yfw_datatree &document,
-                                  yfw::Arena &arena) {
+                                  yfw::Arena &arena, const std::function<void()> &let_go) {
     if (models == nullptr) {
         options.format->write(out, document);
         return std::nullopt;
@@ -371,9 +374,14 @@ std::optional<Typed> write_output(std::ostream &out, const MapOptions &options,
             native.push_back(const_cast<tidl_yfw_datatree *>(&root));
         }
     }
+    const bool models_print =
+        options.format->write == nullptr || options.format->write == write_xml;
     yang::Data typed;
     try {
         typed = yang::to_lyd(*models, document);
+        if (models_print && native.empty()) {
+            let_go();
+        }
         if (options.validate) {
             const auto content =
                 *options.kind == KIND_GET ? yang::Content::operational : yang::Content::config;
@@ -396,6 +404,7 @@ std::optional<Typed> write_output(std::ostream &out, const MapOptions &options,
     }
     if (!native.empty()) {
         write_xml(out, *document_of(arena, native));
+        let_go();
     }
     return Typed{std::move(typed), yang::Format::xml};
 }
@@ -415,18 +424,20 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
     const std::optional<yang::Models> models = load_models(options);
     std::optional<yfw::Session> held(std::in_place, *options.kind, options.oper_only);
     yfw::Session &session = *held;
+    // The input has an arena of its own, let go once the walk is done.
+    std::optional<yfw::Arena> input(std::in_place);
     std::vector<tidl_yfw_datatree *> roots;
     const bool read_kind = yfw_map_is_read_kind(*options.kind);
     try {
-        roots = is_ietf_json(text) ? parse_ietf_json(session.arena(), text, read_kind)
-                                   : parse_input(session.arena(), text, read_kind);
+        roots = is_ietf_json(text) ? parse_ietf_json(*input, text, read_kind)
+                                   : parse_input(*input, text, read_kind);
     } catch (const ParseError &e) {
         throw InputError(input_name(*options.file) + ": " + e.what());
     }
     if (models && std::any_of(roots.begin(), roots.end(),
                               [](const tidl_yfw_datatree *r) { return is_openconfig(*r); })) {
         try {
-            roots = typed_request(*models, text, read_kind, options.validate, session.arena());
+            roots = typed_request(*models, text, read_kind, options.validate, *input);
         } catch (const Rejected &r) {
             report_rejected(err, r);
             return 3;
@@ -450,6 +461,12 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
         session.note_input(roots[i]);
         status = walkers[i](session.ctx(), roots[i], session.output());
     }
+    roots.clear();
+    input.reset();
+    if (models) {
+        // What libyang is about to build is as large as both trees.
+        yfw::release_kept_memory();
+    }
 
     if (options.trace) {
         print_lines(err, session.debug_log());
@@ -460,14 +477,18 @@ int map_command(const MapOptions &options, std::istream &in, std::ostream &out, 
     std::optional<std::string> write_error;
     std::optional<Rejected> rejected;
     std::ostringstream status_report;
+    const auto let_go = [&] {
+        if (held) {
+            report(status_report, status, *held);
+            held.reset();
+            yfw::release_kept_memory();
+        }
+    };
     try {
         std::optional<Typed> typed = write_output(out, options, models ? &*models : nullptr,
-                                                  *session.output(), session.arena());
+                                                  *session.output(), session.arena(), let_go);
         if (typed) {
-            // libyang holds the answer now: the session's trees go before
-            // the printing, which is where the memory peaks otherwise.
-            report(status_report, status, session);
-            held.reset();
+            let_go();
             yang::print(typed->data.get(), typed->format, out);
         }
         out << std::flush;

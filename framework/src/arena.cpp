@@ -6,6 +6,9 @@
 #include <bit>
 #include <cstring>
 #include <list>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <utility>
 
 #include "internal.hpp"
@@ -64,6 +67,11 @@ public:
         order_.back().index = by_size_.emplace(size, std::prev(order_.end()));
         bytes_ += bytes;
     }
+    void clear() {
+        by_size_.clear();
+        order_.clear();
+        bytes_ = 0;
+    }
 
 private:
     struct Entry;
@@ -106,6 +114,10 @@ private:
         return this == &other;
     }
 
+public:
+    void clear() { kept_.clear(); }
+
+private:
     struct Release {
         void operator()(void *block) const { ::operator delete(block); }
     };
@@ -117,9 +129,15 @@ private:
 
 // The process-wide tables below live as long as the process: arenas in
 // static storage may end after any of them.
-std::pmr::memory_resource &chunk_pool() {
+namespace {
+ChunkPool &chunks() {
     static ChunkPool &pool = *new ChunkPool;
     return pool;
+}
+} // namespace
+
+std::pmr::memory_resource &chunk_pool() {
+    return chunks();
 }
 
 // Objects in chunks of the pooled memory: they never move, and a request's
@@ -293,6 +311,7 @@ public:
         slab.owner.reset();
         slab.capacity = 0;
     }
+    void clear() { kept_.clear(); }
 
 private:
     struct Memory {
@@ -658,6 +677,15 @@ tidl_yfw_datatree *Arena::append_child(tidl_yfw_datatree *parent) {
     if (parent == nullptr)
         return nullptr;
     return detail::append_child(parent, *impl_, true).node;
+}
+
+void release_kept_memory() {
+    detail::slab_pool().clear();
+    detail::chunks().clear();
+#ifdef __GLIBC__
+    // Freed blocks below the top of the heap go back to the system only when asked.
+    malloc_trim(0);
+#endif
 }
 
 const tidl_yfw_datatree *parent_of(const tidl_yfw_datatree *node) {

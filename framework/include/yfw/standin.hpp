@@ -81,6 +81,11 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
+// Hands back to the system the memory that ended arenas keep for the next
+// ones: for a host that is done with its trees and about to need much memory
+// of another kind. Arenas still alive keep theirs.
+void release_kept_memory();
+
 // The nearest enclosing node of `node` in arrays that an arena owns, or null.
 const tidl_yfw_datatree *parent_of(const tidl_yfw_datatree *node);
 // The node's operation, else the nearest enclosing node's; -1 when none has one.
