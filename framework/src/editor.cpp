@@ -302,12 +302,16 @@ bool Editor::entry_has(tidl_yfw_datatree *parent, uint32_t at, std::string_view 
 
 ListEntry Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
                                 std::span<const std::string_view> keys, bool fresh) {
-    if (ListState *list = list_state(parent, tag, keys); list && list->current != kNone) {
+    ListState *list = list_state(parent, tag, keys);
+    if (list != nullptr && list->current != kNone) {
         if (!fresh || !has_keys(&parent->subtrees[list->current], keys))
             return {list->current, list};
     }
     const uint32_t made = position(parent, new_child(parent, tag, ns_, nullptr));
-    ListState *list = list_state(parent, tag, keys);
+    // A state found before holds: the array's header, which keeps it, stays
+    // put when the array grows.
+    if (list == nullptr)
+        list = list_state(parent, tag, keys);
     list->current = made;
     return {made, list};
 }
@@ -344,7 +348,8 @@ uint32_t Editor::entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag
         for (std::size_t k = 0; k < names.size(); ++k)
             if (values[k] != nullptr)
                 new_child(&parent->subtrees[found], names[k], ns_, values[k]);
-        list = list_state(parent, tag, names);
+        if (list == nullptr)
+            list = list_state(parent, tag, names);
         if (KeyValues made; indexed && key_values(&parent->subtrees[found], names, made))
             list->by_key.insert(made.hash(), found, [&](uint32_t at) {
                 return entry_has(parent, at, tag, names, made);
