@@ -17,6 +17,7 @@
 #include "io/io_detail.hpp"
 #include "oper/oper_state.hpp"
 #include "registered_trees.hpp"
+#include "statuses.hpp"
 #include "ymap_namespaces.h"
 
 namespace ocsysmapd {
@@ -29,49 +30,21 @@ constexpr std::string_view kOcSystemNs = NS_OPENCONFIG_SYSTEM;
 constexpr std::string_view kOcGrpcNs = NS_OPENCONFIG_SYSTEM_GRPC;
 constexpr std::string_view kGrpcServers = "grpc-servers";
 
-// How a mapping status reaches the client: its name, the NETCONF error-tag
-// and the message when the mapping left none.
-struct StatusRow {
-    cerrno status;
-    std::string_view name;
-    std::string_view tag;
-    std::string_view message;
-};
-
-constexpr std::array<StatusRow, 8> kStatuses{{
-    {YFW_ERR_INVALID_ARGS, "YFW_ERR_INVALID_ARGS", "invalid-value",
-     "the request names what cannot go together"},
-    {YFW_ERR_BAD_TREE, "YFW_ERR_BAD_TREE", "malformed-message", "the request tree is malformed"},
-    {YFW_ERR_UNSUPPORTED_TAG, "YFW_ERR_UNSUPPORTED_TAG", "unknown-element",
-     "Unsupported tag is specified in the request."},
-    {YFW_ERR_LIST_KEY, "YFW_ERR_LIST_KEY", "bad-element", "List key node error."},
-    {YFW_ERR_KEY_DELETE, "YFW_ERR_KEY_DELETE", "operation-not-supported",
-     "The key node should not have delete operation."},
-    {YFW_ERR_BAD_VALUE, "YFW_ERR_BAD_VALUE", "invalid-value", "the value is refused"},
-    {YFW_MAP_SKIP_NODE, "YFW_MAP_SKIP_NODE", "operation-failed", "the node was skipped"},
-    {YFW_ERR_UNSUPPORTED_AUGMENT, "YFW_ERR_UNSUPPORTED_AUGMENT", "unknown-element",
-     "the node is not supported at this place"},
-}};
-
 Failure mapping_failure(cerrno status, yfw::Session &session) {
-    const auto *row = std::find_if(kStatuses.begin(), kStatuses.end(),
-                                   [status](const StatusRow &r) { return r.status == status; });
     Failure f;
-    if (row != kStatuses.end()) {
-        f.tag = row->tag;
+    if (const ocsysmap::StatusRow *row = ocsysmap::status_row(status)) {
+        f.tag = row->error_tag;
         f.app_tag = row->name;
-        f.message = row->message;
+        f.message = row->text;
     } else {
-        std::array<char, 11> hex{};
-        std::snprintf(hex.data(), hex.size(), "0x%08x", static_cast<unsigned>(status));
         f.tag = "operation-failed";
-        f.app_tag = hex.data();
+        f.app_tag = ocsysmap::status_hex(status);
         f.message = "the mapping failed";
     }
-    const yfw_map_state *state = session.state();
-    if (state->error_message != nullptr) {
-        f.message = state->error_message;
+    if (const std::string_view said = ocsysmap::library_message(session); !said.empty()) {
+        f.message = said;
     }
+    const yfw_map_state *state = session.state();
     if (state->error_tag != nullptr) {
         f.element = state->error_tag;
     }

@@ -34,6 +34,7 @@
 
 #include "ocsysmap_io.hpp"
 #include "schema_words.hpp"
+#include "statuses.hpp"
 #include "yfw/standin.hpp"
 #include "yfw_map.h"
 #include "ymap_ocsystem.h"
@@ -365,21 +366,10 @@ void require(bool holds, const char *what) {
     }
 }
 
+// A root walker ends with a status of the table, never a skip: walkers turn
+// that into success.
 bool known_status(cerrno status) {
-    switch (status) {
-    case YFW_SUCCESS:
-    case YFW_ERR_INVALID_ARGS:
-    case YFW_ERR_BAD_TREE:
-    case YFW_ERR_UNSUPPORTED_TAG:
-    case YFW_ERR_LIST_KEY:
-    case YFW_ERR_KEY_DELETE:
-    case YFW_ERR_BAD_VALUE:
-    case YFW_ERR_UNSUPPORTED_AUGMENT:
-    case static_cast<cerrno>(-1): // a gRPC server name refused
-        return true;
-    default:
-        return false; // YFW_MAP_SKIP_NODE included: walkers turn it into success
-    }
+    return ocsysmap::status_row(status) != nullptr && status != YFW_MAP_SKIP_NODE;
 }
 
 void walk_once(Bytes &bytes) {

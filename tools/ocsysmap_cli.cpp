@@ -27,6 +27,7 @@
 #include "ocsystem_map_version.h"
 #include "registered_trees.hpp"
 #include "rows_table.hpp"
+#include "statuses.hpp"
 #include "yang/device_modules.hpp"
 #include "yang/oc_yang.hpp"
 #include "yfw/standin.hpp"
@@ -68,18 +69,6 @@ constexpr std::array<Named, 5> kKinds{{
     {"edit-a", KIND_EDIT_A},
     {"edit-b", KIND_EDIT_B},
     {"edit-c", KIND_EDIT_C},
-}};
-
-constexpr std::array<Named, 9> kStatuses{{
-    {"YFW_SUCCESS", YFW_SUCCESS},
-    {"YFW_ERR_INVALID_ARGS", YFW_ERR_INVALID_ARGS},
-    {"YFW_ERR_BAD_TREE", YFW_ERR_BAD_TREE},
-    {"YFW_ERR_UNSUPPORTED_TAG", YFW_ERR_UNSUPPORTED_TAG},
-    {"YFW_ERR_LIST_KEY", YFW_ERR_LIST_KEY},
-    {"YFW_ERR_KEY_DELETE", YFW_ERR_KEY_DELETE},
-    {"YFW_ERR_BAD_VALUE", YFW_ERR_BAD_VALUE},
-    {"YFW_MAP_SKIP_NODE", YFW_MAP_SKIP_NODE},
-    {"YFW_ERR_UNSUPPORTED_AUGMENT", YFW_ERR_UNSUPPORTED_AUGMENT},
 }};
 
 struct Format {
@@ -240,12 +229,6 @@ std::string describe_root(const tidl_yfw_datatree &root) {
                        : " without a namespace");
 }
 
-std::string hex(cerrno status) {
-    std::array<char, 11> text{};
-    std::snprintf(text.data(), text.size(), "0x%08x", static_cast<unsigned>(status));
-    return text.data();
-}
-
 void print_lines(std::ostream &err, const std::vector<std::string> &lines) {
     for (std::string_view line : lines) {
         if (!line.empty() && line.back() == '\n') {
@@ -256,13 +239,11 @@ void print_lines(std::ostream &err, const std::vector<std::string> &lines) {
 }
 
 void report(std::ostream &err, cerrno status, yfw::Session &session) {
-    auto named = std::find_if(kStatuses.begin(), kStatuses.end(),
-                              [status](const Named &row) { return row.value == status; });
     err << "status: ";
-    if (named != kStatuses.end()) {
-        err << named->name << " (" << hex(status) << ")\n";
+    if (const StatusRow *named = status_row(status)) {
+        err << named->name << " (" << status_hex(status) << ")\n";
     } else {
-        err << hex(status) << '\n';
+        err << status_hex(status) << '\n';
     }
     // A run that succeeded names no failed node, whatever a refusal whose
     // status was dropped along the way left behind.
@@ -273,8 +254,8 @@ void report(std::ostream &err, cerrno status, yfw::Session &session) {
     if (state->error_tag != nullptr) {
         err << "error-tag: " << state->error_tag << '\n';
     }
-    if (state->error_message != nullptr) {
-        err << "error-message: " << state->error_message << '\n';
+    if (const std::string_view message = library_message(session); !message.empty()) {
+        err << "error-message: " << message << '\n';
     }
     if (!session.error_path().empty()) {
         err << "error-path: " << session.error_path() << '\n';

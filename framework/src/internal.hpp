@@ -428,6 +428,10 @@ struct DebugSink {
     static constexpr uint32_t kMagic = 0x59444247u;
     uint32_t magic = kMagic;
     std::vector<std::string> *lines = nullptr;
+    bool lines_on = true;
+    // The error sink keeps the message of its last line, which the framework
+    // reports to the client when the library left no error_message.
+    std::string *last_message = nullptr;
 };
 
 struct RingTrace {
@@ -487,6 +491,7 @@ struct yfw_map_session {
     std::vector<const tidl_yfw_datatree *> itree_owners;
     std::vector<OutputListFrame> output_lists;
     std::string error_path;
+    std::string error_line;
 
     // The tag path of the hierarchy up to frame `depth` (inclusive).
     std::string hierarchy_path(std::size_t depth) const;

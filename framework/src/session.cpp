@@ -3,6 +3,11 @@
 #include "internal.hpp"
 #include "yfw_map_trace.h"
 
+namespace {
+// Error lines always reach the framework: it reports the last one's message.
+constexpr uint32_t kErrorLevel = 1u << YFW_MAP_LEVEL_ERR;
+} // namespace
+
 std::string yfw_map_session::hierarchy_path(std::size_t depth) const {
     std::string path;
     for (std::size_t i = 0; i <= depth && i < hierarchy.size(); ++i) {
@@ -45,6 +50,9 @@ Session::Session(uint32_t request_kind, bool oper_only) : impl_(std::make_unique
     s.state.request = &s.request;
     s.state.root_node = s.output;
     s.err_sink.lines = &s.debug_log;
+    s.err_sink.lines_on = false;
+    s.err_sink.last_message = &s.error_line;
+    s.ctx.debug_filter.level_mask = kErrorLevel;
     s.trace_sink.lines = &s.debug_log;
     s.ctx.state = &s.state;
     s.ctx.err_log = &s.err_sink;
@@ -85,8 +93,8 @@ void Session::note_input(tidl_yfw_datatree *root) {
 }
 
 void Session::set_debug_log(bool on) {
-    constexpr uint32_t both = (1u << YFW_MAP_LEVEL_ERR) | (1u << YFW_MAP_LEVEL_TRC);
-    impl_->ctx.debug_filter.level_mask = on ? both : 0u;
+    impl_->ctx.debug_filter.level_mask = on ? kErrorLevel | (1u << YFW_MAP_LEVEL_TRC) : kErrorLevel;
+    impl_->err_sink.lines_on = on;
 }
 
 void Session::set_ring_trace(bool on) {
@@ -101,6 +109,9 @@ const std::vector<std::string> &Session::ring_trace() const {
 }
 const std::string &Session::error_path() const {
     return impl_->error_path;
+}
+const std::string &Session::error_line() const {
+    return impl_->error_line;
 }
 
 std::size_t Session::hierarchy_depth() const {

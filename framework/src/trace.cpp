@@ -96,7 +96,18 @@ void _qvos_dt_log_filter_adv(void *handle, int a, int b, int c, int d, int e, in
     if (length > 0)
         std::vsnprintf(line.data(), line.size() + 1, format, again);
     va_end(again);
-    sink->lines->push_back(std::move(line));
+    if (sink->last_message != nullptr) {
+        // What the statement said, after the "ERR: YFW: ctx=%p," before it.
+        const std::size_t ctx = line.find("ctx=");
+        const std::size_t comma = ctx == std::string::npos ? ctx : line.find(',', ctx);
+        std::string_view said(line);
+        said.remove_prefix(comma == std::string::npos ? 0 : comma + 1);
+        while (!said.empty() && said.back() == '\n')
+            said.remove_suffix(1);
+        sink->last_message->assign(said);
+    }
+    if (sink->lines_on)
+        sink->lines->push_back(std::move(line));
 }
 
 uint32_t ret_nc_yfw_trace_index_incr(void) {

@@ -264,6 +264,18 @@ class EditTest(unittest.TestCase):
             self.assertEqual(f.read(), before)
         self.assert_running(both)
 
+    def test_a_refused_grpc_server_name_answers_its_status_name_and_message(self):
+        self.edit(grpc(57400))
+        with open(self.store, "rb") as f:
+            before = f.read()
+        with self.assertRaises(RPCError) as caught:
+            self.edit(f'<grpc-servers xmlns="{GRPC}"><grpc-server nc:operation="delete">'
+                      "<name></name></grpc-server></grpc-servers>")
+        error = caught.exception.to_dict()
+        self.assertEqual((error["tag"], error["app_tag"], error["message"].strip()),
+                         ("operation-failed", "REFUSED", "the request was refused"))
+        with open(self.store, "rb") as f:
+            self.assertEqual(f.read(), before)
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1], verbosity=2)

@@ -73,6 +73,15 @@ TEST_F(Trace, EachLevelUsesItsOwnHandle) {
               std::vector<std::string>{"ERR: YFW: ctx=" + ctx_text + ",Unsupported namespace"});
 }
 
+TEST_F(Trace, TheLastErrorLineIsKeptWithTheDebugLogOff) {
+    EXPECT_EQ(session.error_line(), "");
+    YFW_MAP_ERR(ctx, "walker_e", "List key node error.");
+    YFW_MAP_TRC(ctx, "walker_e", "End");
+    YFW_MAP_ERR(ctx, "walker_e", "names don't match, %s\n", "return error");
+    EXPECT_TRUE(session.debug_log().empty());
+    EXPECT_EQ(session.error_line(), "names don't match, return error");
+}
+
 TEST_F(Trace, FilterCellDecidesOnce) {
     int32_t muted = 0;
     int32_t fresh = -1;

@@ -145,9 +145,11 @@ TEST(Cli, ReportsTheStatusAndTheErrorFields) {
                              "error-path: /openconfig-system:system";
     EXPECT_EQ(r.err.substr(0, head.size()), head);
 
-    r = run_tool({"map", "--kind", "get", "-"}, kOcGet, {tree(failing_walker<0xffffffffu>, {})});
+    r = run_tool({"map", "--kind", "get", "-"}, kOcGet, {tree(failing_walker<0x12345678u>, {})});
     EXPECT_EQ(r.rc, 1);
-    EXPECT_EQ(r.err, "status: 0xffffffff\n");
+    EXPECT_EQ(r.err, "status: 0x12345678\n");
+    r = run_tool({"map", "--kind", "get", "-"}, kOcGet, {tree(failing_walker<0xffffffffu>, {})});
+    EXPECT_EQ(r.err, "status: REFUSED (0xffffffff)\n");
     r = run_tool({"map", "--kind", "get", "-"}, kOcGet,
                  {tree(failing_walker<YFW_MAP_SKIP_NODE>, {})});
     EXPECT_EQ(r.rc, 1);

@@ -131,6 +131,9 @@ public:
 
     // The error path recorded by the last yfw_oc_error_path, empty if none.
     const std::string &error_path() const;
+    // What the library's last error line said, empty if it wrote none. Error
+    // lines always reach the framework, the debug log only while it is on.
+    const std::string &error_line() const;
 
     // Bookkeeping, for tests.
     std::size_t hierarchy_depth() const;
