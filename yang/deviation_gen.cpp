@@ -26,12 +26,14 @@
 #include <libyang/libyang.h>
 
 #include "ymap_frame.hpp"
+#include "ymap_namespaces.h"
 #include "ymap_ocsystem_modules.h"
 
 namespace {
 
-constexpr const char *kModules[] = {"openconfig-system", "openconfig-system-grpc",
-                                    "openconfig-messages", "openconfig-alarms"};
+#define YMAP_MODULE_NAME_(id, name, ns) name,
+constexpr const char *kModules[] = {YMAP_OPENCONFIG_MODULES(YMAP_MODULE_NAME_)};
+#undef YMAP_MODULE_NAME_
 // The device's own augment, which keeps the node it augments.
 constexpr std::string_view kExtension = "Tarvex-QV-openconfig-system-terminal-ext";
 

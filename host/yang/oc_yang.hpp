@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "yfw/standin.hpp"
+#include "ymap_namespaces.h"
 
 struct ly_ctx;
 struct lyd_node;
@@ -37,8 +38,9 @@ struct YangError : std::runtime_error {
 };
 
 // The modules the OpenConfig side needs; their imports come along.
-inline constexpr std::string_view kModuleNames[] = {"openconfig-system", "openconfig-system-grpc",
-                                                    "openconfig-messages", "openconfig-alarms"};
+#define OCSYSMAP_MODULE_NAME_(id, name, ns) name,
+inline constexpr std::string_view kModuleNames[] = {YMAP_OPENCONFIG_MODULES(OCSYSMAP_MODULE_NAME_)};
+#undef OCSYSMAP_MODULE_NAME_
 
 // A libyang context with the OpenConfig system models loaded from a directory
 // searched recursively, with every module that defines identities

@@ -16,6 +16,7 @@
 
 #include "oc_yang.hpp"
 #include "ocsysmap_cli.hpp"
+#include "registered_trees.hpp"
 #include "ymap_ocsystem.h"
 
 namespace test {
@@ -61,17 +62,8 @@ inline std::string describe(const std::vector<ocsysmap::yang::Diagnostic> &found
 }
 
 // The library's trees, registered as the tool registers them.
-inline const std::vector<yfw_map_reg_mod_t> &trees() {
-    static const std::vector<yfw_map_reg_mod_t> all = [] {
-#define OCSYSMAP_REGISTRATION_(fn) &fn,
-        constexpr std::array kRegistrations{YMAP_OCSYSTEM_REGISTRATIONS(OCSYSMAP_REGISTRATION_)};
-#undef OCSYSMAP_REGISTRATION_
-        std::vector<yfw_map_reg_mod_t> out(kRegistrations.size());
-        for (std::size_t i = 0; i < out.size(); ++i) {
-            kRegistrations[i](&out[i]);
-        }
-        return out;
-    }();
+inline const auto &trees() {
+    static const auto all = ocsysmap::registered_trees();
     return all;
 }
 
