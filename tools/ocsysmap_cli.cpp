@@ -343,7 +343,7 @@ struct Typed {
 // as soon as the document is no longer read: libyang's copy and the tool's
 // tree together are where the memory peaks otherwise.
 std::optional<Typed> write_output(std::ostream &out, const MapOptions &options,
-                                  const yang::Models *models, const tidl_yfw_datatree &document,
+                                  const yang::Models *models, tidl_yfw_datatree &document,
                                   yfw::Arena &arena, const std::function<void()> &let_go) {
     if (models == nullptr) {
         options.format->write(out, document);
@@ -359,7 +359,8 @@ std::optional<Typed> write_output(std::ostream &out, const MapOptions &options,
         options.format->write == nullptr || options.format->write == write_xml;
     yang::Data typed;
     try {
-        typed = yang::to_lyd(*models, document);
+        // The models print it all: the OpenConfig roots go as they are typed.
+        typed = models_print ? yang::take_lyd(*models, document) : yang::to_lyd(*models, document);
         if (models_print && native.empty()) {
             let_go();
         }

@@ -27,6 +27,8 @@ struct Slab {
     std::unique_ptr<uint32_t[]> owner;
     uint32_t capacity = 0;
     uint32_t used = 0;
+    // Slots in arrays handed out and not released; a slab let go has no nodes.
+    uint32_t live = 0;
     bool dedicated = false;
     Arena::Impl *arena = nullptr;
 };
@@ -208,8 +210,13 @@ struct Arena::Impl {
     detail::ChunkStore<detail::Lookups, 1024> lookups;
     std::vector<std::unique_ptr<detail::Slab>> slabs;
     detail::Slab *open_slab = nullptr;
-    // Released arrays of slabs, by the log2 of their capacity.
-    std::array<std::vector<tidl_yfw_datatree *>, 32> free_arrays;
+    // Released arrays of slabs, by the log2 of their capacity; those of a
+    // slab let go since are dropped when met.
+    struct FreeArray {
+        detail::Slab *slab;
+        tidl_yfw_datatree *nodes;
+    };
+    std::array<std::vector<FreeArray>, 32> free_arrays;
 
     Impl() = default;
     Impl(const Impl &) = delete;
@@ -219,9 +226,11 @@ struct Arena::Impl {
     detail::Block &new_block(const tidl_yfw_datatree *parent, uint32_t capacity);
     // Points `block` at a zeroed array of `capacity` (a power of two) slots.
     void allocate(detail::Block &block, uint32_t capacity);
-    void release(tidl_yfw_datatree *nodes, uint32_t capacity);
+    // `to_system`: a slab left without arrays goes back to the system at once.
+    void release(tidl_yfw_datatree *nodes, uint32_t capacity, bool to_system = false);
 
 private:
+    void let_go(detail::Slab &slab, bool to_system);
     detail::Slab &new_slab(uint32_t capacity, bool dedicated);
 };
 
@@ -486,15 +495,27 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos) {
     });
 }
 
-void release_children(tidl_yfw_datatree *node) {
-    note_reshape();
+namespace {
+void release_children(tidl_yfw_datatree *node, bool to_system) {
     if (Block *block = node->present_subtrees ? block_starting_at(node->subtrees) : nullptr) {
-        block->arena->release(block->nodes, block->capacity);
+        block->arena->release(block->nodes, block->capacity, to_system);
         block->nodes = nullptr;
         block->capacity = 0;
         block->forget_lookups();
     }
     yfw_dt_clear_subtrees(node);
+}
+
+void release_below(tidl_yfw_datatree *node) {
+    for (tidl_yfw_datatree &child : children(node))
+        release_below(&child);
+    release_children(node, true);
+}
+} // namespace
+
+void release_children(tidl_yfw_datatree *node) {
+    note_reshape();
+    release_children(node, false);
 }
 
 char *copy_text(Arena::Impl &arena, std::string_view text) {
@@ -599,10 +620,13 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
     auto &free = free_arrays[static_cast<std::size_t>(std::countr_zero(capacity))];
     tidl_yfw_datatree *nodes;
     detail::Slab *slab;
-    if (!free.empty()) {
-        nodes = free.back();
+    while (!free.empty() && free.back().slab->nodes == nullptr)
         free.pop_back();
-        slab = detail::slab_index().find(nodes);
+    if (!free.empty()) {
+        slab = free.back().slab;
+        nodes = free.back().nodes;
+        free.pop_back();
+        slab->live += capacity;
     } else if (capacity >= kDedicatedFrom) {
         slab = &new_slab(capacity, true);
         nodes = slab->nodes.get();
@@ -613,7 +637,7 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
                  open_slab != nullptr && (rest = open_slab->capacity - open_slab->used) > 0;) {
                 const uint32_t piece = std::bit_floor(rest);
                 free_arrays[static_cast<std::size_t>(std::countr_zero(piece))].push_back(
-                    open_slab->nodes.get() + open_slab->used);
+                    {open_slab, open_slab->nodes.get() + open_slab->used});
                 std::fill_n(open_slab->owner.get() + open_slab->used, piece, 0u);
                 open_slab->used += piece;
             }
@@ -625,24 +649,38 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
         slab = open_slab;
         nodes = slab->nodes.get() + slab->used;
         slab->used += capacity;
+        slab->live += capacity;
     }
     std::fill_n(slab->owner.get() + (nodes - slab->nodes.get()), capacity, block.index + 1);
     block.nodes = nodes;
     block.capacity = capacity;
 }
 
-void Arena::Impl::release(tidl_yfw_datatree *nodes, uint32_t capacity) {
+void Arena::Impl::release(tidl_yfw_datatree *nodes, uint32_t capacity, bool to_system) {
     detail::Slab *slab = nodes != nullptr ? detail::slab_index().find(nodes) : nullptr;
     if (slab == nullptr)
         return;
     if (slab->dedicated) {
-        // Its memory may come back as another array.
-        detail::note_reshape();
-        detail::slab_index().remove(*slab);
-        detail::slab_pool().give(*slab);
+        let_go(*slab, to_system);
         return;
     }
-    free_arrays[static_cast<std::size_t>(std::countr_zero(capacity))].push_back(nodes);
+    free_arrays[static_cast<std::size_t>(std::countr_zero(capacity))].push_back({slab, nodes});
+    slab->live -= capacity;
+    if (to_system && slab->live == 0 && slab != open_slab)
+        let_go(*slab, true);
+}
+
+void Arena::Impl::let_go(detail::Slab &slab, bool to_system) {
+    // Its memory may come back as another array.
+    detail::note_reshape();
+    detail::slab_index().remove(slab);
+    if (to_system) {
+        slab.nodes.reset();
+        slab.owner.reset();
+        slab.capacity = 0;
+    } else {
+        detail::slab_pool().give(slab);
+    }
 }
 
 detail::Block &Arena::Impl::new_block(const tidl_yfw_datatree *parent, uint32_t capacity) {
@@ -677,6 +715,13 @@ tidl_yfw_datatree *Arena::append_child(tidl_yfw_datatree *parent) {
     if (parent == nullptr)
         return nullptr;
     return detail::append_child(parent, *impl_, true).node;
+}
+
+void release_subtrees(tidl_yfw_datatree *node) {
+    if (node == nullptr)
+        return;
+    detail::note_reshape();
+    detail::release_below(node);
 }
 
 void release_kept_memory() {

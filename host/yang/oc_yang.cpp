@@ -187,7 +187,8 @@ struct Where {
 
 class DataBuilder {
 public:
-    explicit DataBuilder(const ly_ctx *ctx) : ctx_(ctx) {}
+    // `let_go`: the builder's caller handed over a tree it may empty as it goes.
+    DataBuilder(const ly_ctx *ctx, bool let_go) : ctx_(ctx), let_go_(let_go) {}
 
     // Adds one framework node under `parent` (null: a top-level sibling of `first`).
     void add(lyd_node *parent, const lysc_node *parent_schema, const tidl_yfw_datatree &node,
@@ -219,6 +220,9 @@ public:
                 if (!is_key_of(schema, child)) {
                     add(made, schema, child, first);
                 }
+            }
+            if (let_go_) {
+                yfw::release_subtrees(const_cast<tidl_yfw_datatree *>(&node));
             }
         }
     }
@@ -359,6 +363,7 @@ private:
     }
 
     const ly_ctx *ctx_;
+    bool let_go_;
     const lys_module *last_module_ = nullptr;
     std::string scratch_;
     std::vector<Diagnostic> found_;
@@ -820,8 +825,10 @@ std::vector<tidl_yfw_datatree *> from_lyd(yfw::Arena &arena, const lyd_node *fir
     return roots;
 }
 
-Data to_lyd(const Models &models, const tidl_yfw_datatree &document) {
-    DataBuilder builder(models.context());
+namespace {
+
+Data typed_roots(const Models &models, const tidl_yfw_datatree &document, bool let_go) {
+    DataBuilder builder(models.context(), let_go);
     Data first;
     for (const tidl_yfw_datatree &root : detail::children_of(document)) {
         const lys_module *m =
@@ -836,6 +843,16 @@ Data to_lyd(const Models &models, const tidl_yfw_datatree &document) {
         throw YangError(std::move(builder.found()));
     }
     return first;
+}
+
+} // namespace
+
+Data to_lyd(const Models &models, const tidl_yfw_datatree &document) {
+    return typed_roots(models, document, false);
+}
+
+Data take_lyd(const Models &models, tidl_yfw_datatree &document) {
+    return typed_roots(models, document, true);
 }
 
 std::string print(const lyd_node *tree, Format format) {

@@ -86,6 +86,10 @@ std::vector<tidl_yfw_datatree *> from_lyd(yfw::Arena &arena, const lyd_node *fir
 // other namespaces are left out. An identity value gains its module. Throws
 // YangError naming each rejected value's path with libyang's message.
 Data to_lyd(const Models &models, const tidl_yfw_datatree &document);
+// The same, letting each subtree of the OpenConfig roots go as soon as
+// libyang holds it, so that the two copies of a large answer are never whole
+// at once; those roots are left without children.
+Data take_lyd(const Models &models, tidl_yfw_datatree &document);
 
 // The two text forms of OpenConfig data.
 enum class Format { xml, json };

@@ -54,6 +54,26 @@ TEST(Arena, OperationsInheritThroughArraysOfEarlierArenas) {
     }
 }
 
+TEST(Arena, GrowsAgainAfterSubtreesWentBackToTheSystem) {
+    // A host lets a large tree go part by part: slabs emptied go to the
+    // system, and the arrays once free in them must not be handed out again.
+    yfw::Arena arena;
+    tidl_yfw_datatree *root = new_root(arena, "list");
+    for (int i = 0; i < 20000; ++i)
+        add_node(arena, add_node(arena, add_node(arena, root, "entry"), "state"), "id", "x");
+    for (uint32_t i = 0; i < root->subtree_count; ++i)
+        yfw::release_subtrees(&root->subtrees[i]);
+    yfw::release_kept_memory();
+    EXPECT_EQ(root->subtrees[19999].subtree_count, 0u);
+    tidl_yfw_datatree *again = add_node(arena, root, "again");
+    for (int i = 0; i < 20000; ++i)
+        add_node(arena, add_node(arena, again, "entry"), "id", std::to_string(i).c_str());
+    expect_parents(root);
+    EXPECT_STREQ(again->subtrees[19999].subtrees[0].value, "19999");
+    yfw::release_subtrees(root);
+    EXPECT_EQ(root->subtree_count, 0u);
+}
+
 TEST(Arena, NodesOutsideArenasHaveNoParent) {
     tidl_yfw_datatree own[2]{};
     yfw_dt_set_subtrees(&own[0], &own[1], 1);

@@ -81,6 +81,12 @@ private:
     std::unique_ptr<Impl> impl_;
 };
 
+// Ends every subtree below `node`, which is left without children: for a
+// host that reads a large tree once and lets each part go as it is done with
+// it. A slab of an arena whose arrays have all gone returns to the system at
+// once, not to the memory kept for later arenas.
+void release_subtrees(tidl_yfw_datatree *node);
+
 // Hands back to the system the memory that ended arenas keep for the next
 // ones: for a host that is done with its trees and about to need much memory
 // of another kind. Arenas still alive keep theirs.
