@@ -6,6 +6,7 @@
 # alone at 1k and 1M nodes, the device over SSH and in process on stores of
 # 10, 1,000 and 10,000 NTP servers, and its memory over 10,000 edits. About
 # ten minutes on a quiet machine; the raw outputs stay in $RUN_ALL_KEEP if set.
+# The device bench needs paramiko: /usr/bin/python3 (python3-paramiko), or $DEVICE_PYTHON.
 set -eu
 build=${1:?usage: run_all.sh BUILD_DIR [RUNS]}
 runs=${2:-3}
@@ -33,7 +34,7 @@ step "the device in process"
 "$build/bench/device_store_bench" --benchmark_min_time=0.2 --benchmark_format=json \
     > "$out/store.json"
 step "the device over SSH"
-python3 "$here/device_bench.py" "$build/daemon/ocsysmapd" "$models" 10,1000,10000 10 10000 \
+"${DEVICE_PYTHON:-/usr/bin/python3}" "$here/device_bench.py" "$build/daemon/ocsysmapd" "$models" 10,1000,10000 10 10000 \
     --tool "$build/tools/ocsysmap" > "$out/device"
 
 python3 - "$out" "$runs" <<'EOF'
