@@ -17,7 +17,7 @@ import subprocess
 import sys
 
 SIZES = (1000, 10000, 100000, 1000000)
-LINE = re.compile(r"Walk/(\S+)/standin/(\d+)\s.*per_node=([\d.]+)(ns|us)")
+LINE = re.compile(r"Walk/(\S+)/(?:standin|counting)/(\d+)\s.*per_node=([\d.]+)(ns|us)")
 
 
 def rows(bench):
@@ -25,7 +25,7 @@ def rows(bench):
                             check=True).stdout
     seen = []
     for name in listed.split():
-        m = re.match(r"Walk/(\S+)/standin/\d+$", name)
+        m = re.match(r"Walk/(\S+)/(?:standin|counting)/\d+$", name)
         if m and m.group(1) not in seen:
             seen.append(m.group(1))
     return seen
@@ -33,7 +33,7 @@ def rows(bench):
 
 def run(bench, row):
     sizes = "|".join(str(n) for n in SIZES)
-    out = subprocess.run([bench, f"--benchmark_filter=^Walk/{row}/standin/({sizes})$",
+    out = subprocess.run([bench, f"--benchmark_filter=^Walk/{row}/(standin|counting)/({sizes})$",
                           "--benchmark_min_time=0.3"], capture_output=True, text=True,
                          check=True).stdout
     costs = {}
