@@ -41,7 +41,7 @@ constexpr Target kAddress[] = {
 
 // An entry being deleted whole: the walkers suppress its key checks.
 bool deleting_entry(const yfw_map_ctx *ctx) {
-    return ctx->state->walk_suppress != 0;
+    return ctx->state->walk_suppress != YFW_MAP_SUPPRESS_NONE;
 }
 
 // The rows of the server's family; in a read both, and in KIND_GET also the

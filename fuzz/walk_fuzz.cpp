@@ -402,7 +402,7 @@ void walk_once(Bytes &bytes) {
     require(known_status(status), "status is not a named status");
     const yfw_map_state *state = session.state();
     require(state->walk_all == 0, "walk_all != 0");
-    require(state->walk_suppress == 0, "walk_suppress != 0");
+    require(state->walk_suppress == YFW_MAP_SUPPRESS_NONE, "walk_suppress != 0");
     require((state->state_flags & ~YFW_MAP_STATE_XPATH_ERROR) == 0,
             "state_flags other than the xpath error bit");
     require(state->replace_active == 0, "replace_active != 0");

@@ -190,6 +190,16 @@ typedef struct yfw_map_node_data {
 /* The mask the walkers apply when they enter a node; it keeps bit 16. */
 #define YFW_MAP_FILTER_ENTRY_MASK 0x11111110u
 
+/* walk_suppress: what an outer list walker has already decided for the walkers
+   below it. The field stays a plain 32-bit word; these are its values. */
+enum yfw_map_suppress_level {
+    YFW_MAP_SUPPRESS_NONE = 0u,        /* a walk as the request names it */
+    YFW_MAP_SUPPRESS_ENTRY_GONE = 1u,  /* inside the walk-all pass of a list entry deleted
+                                          whole: no key scan, no key demand below */
+    YFW_MAP_SUPPRESS_KEYS_DELETE = 2u, /* the list mapper's call for a delete that names
+                                          the keys alone: the whole entry goes */
+};
+
 typedef struct yfw_map_state {
     yfw_request *request;
     tidl_yfw_datatree *reg_dup_datatree; /* dump only */
@@ -202,7 +212,7 @@ typedef struct yfw_map_state {
     tidl_yfw_datatree *plist; /* dump only */
     uint32_t node_data_count;
     yfw_map_node_data node_data[YFW_MAP_MAX_NODE_DATA]; /* dump only */
-    uint32_t walk_suppress;
+    uint32_t walk_suppress;                             /* an enum yfw_map_suppress_level */
     uint32_t walk_all;
     uint32_t filter_flags;
     char *error_message; /* from yfw_strdup */

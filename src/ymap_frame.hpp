@@ -333,6 +333,88 @@ consteval bool check_walker(const WalkerRow &row) {
     throw "unknown walker kind";
 }
 
+// What a walker changes for the length of a pass, on its node and in the
+// state: walk_all, the suppress level, the node's operation and its children.
+// Each is saved when first changed and put back when the scope ends, so that
+// every path out of the walker leaves them as it found them.
+class WalkScope {
+public:
+    WalkScope(yfw_map_ctx *ctx, tidl_yfw_datatree *node) : st_(ctx->state), node_(node) {}
+    ~WalkScope() {
+        release_suppress();
+        if ((saved_ & kWalkAll) != 0)
+            st_->walk_all = 0;
+        if ((saved_ & kOperation) != 0) {
+            node_->operation = operation_;
+            node_->present_operation = present_operation_;
+        }
+        if ((saved_ & kSubtrees) != 0) {
+            node_->subtrees = subtrees_;
+            node_->subtree_count = subtree_count_;
+            node_->present_subtrees = present_subtrees_;
+        }
+    }
+    WalkScope(const WalkScope &) = delete;
+    WalkScope &operator=(const WalkScope &) = delete;
+
+    // A walk-all pass; only the outermost walker that raises it lowers it.
+    void walk_all() {
+        if (st_->walk_all != 1) {
+            st_->walk_all = 1;
+            saved_ |= kWalkAll;
+        }
+    }
+    void suppress(yfw_map_suppress_level level) {
+        if ((saved_ & kSuppress) == 0)
+            suppress_ = st_->walk_suppress;
+        saved_ |= kSuppress;
+        st_->walk_suppress = level;
+    }
+    // Ends the suppress level before the scope does.
+    void release_suppress() {
+        if ((saved_ & kSuppress) != 0)
+            st_->walk_suppress = suppress_;
+        saved_ &= ~kSuppress;
+    }
+    void set_operation(int32_t op) {
+        if ((saved_ & kOperation) == 0) {
+            operation_ = node_->operation;
+            present_operation_ = node_->present_operation;
+        }
+        saved_ |= kOperation;
+        yfw_dt_set_operation(node_, op);
+    }
+    // A delete walked whole: its own OP_DELETE is lowered to OP_REMOVE, so
+    // that what is absent is removed without complaint.
+    void lower_delete() {
+        if (yfw_map_is_request_delete(node_) && node_->present_operation != 0 &&
+            node_->operation == OP_DELETE)
+            set_operation(OP_REMOVE);
+    }
+    // The node is walked bare, as if named with no children.
+    void hide_subtrees() {
+        if ((saved_ & kSubtrees) == 0) {
+            subtrees_ = node_->subtrees;
+            subtree_count_ = node_->subtree_count;
+            present_subtrees_ = node_->present_subtrees;
+        }
+        saved_ |= kSubtrees;
+        yfw_dt_clear_subtrees(node_);
+    }
+
+private:
+    enum : uint8_t { kWalkAll = 1, kSuppress = 2, kOperation = 4, kSubtrees = 8 };
+    yfw_map_state *st_;
+    tidl_yfw_datatree *node_;
+    uint8_t saved_ = 0;
+    uint32_t suppress_ = 0;
+    int32_t operation_ = 0;
+    unsigned present_operation_ = 0;
+    tidl_yfw_datatree *subtrees_ = nullptr;
+    uint32_t subtree_count_ = 0;
+    unsigned present_subtrees_ = 0;
+};
+
 cerrno run_walker(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                   tidl_yfw_datatree *out_tree);
 

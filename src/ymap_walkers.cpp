@@ -212,7 +212,7 @@ cerrno oq_leaf(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     const cerrno status = row.mapper(ctx, node, out_tree);
     yfw_map_state *st = ctx->state;
     // In a walk-all pass the node is an ancestor: it is not this leaf to mark.
-    if (st->walk_all != 1 && st->walk_suppress == 0) {
+    if (st->walk_all != 1 && st->walk_suppress == YFW_MAP_SUPPRESS_NONE) {
         if (row.kind == WalkerKind::LeafList) {
             yfw_dt_set_node_kind(node, NODE_LEAF_LIST);
         } else {
@@ -230,44 +230,6 @@ cerrno oq_leaf(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     return end(row, ctx, skip_is_success(status));
 }
 
-// Raises walk_all for the length of a walk-all pass, unless an outer walker has.
-class WalkAll {
-public:
-    explicit WalkAll(yfw_map_state *st) : st_(st), set_(st->walk_all != 1) { st_->walk_all = 1; }
-    ~WalkAll() {
-        if (set_)
-            st_->walk_all = 0;
-    }
-    WalkAll(const WalkAll &) = delete;
-    WalkAll &operator=(const WalkAll &) = delete;
-
-private:
-    yfw_map_state *st_;
-    bool set_;
-};
-
-// A delete walked whole: OP_DELETE is lowered to OP_REMOVE for the pass, so
-// what is absent is removed without complaint.
-class LowerDelete {
-public:
-    explicit LowerDelete(tidl_yfw_datatree *node)
-        : node_(node),
-          lowered_(yfw_map_is_request_delete(node) && own_operation_is(node, OP_DELETE)) {
-        if (lowered_)
-            yfw_dt_set_operation(node_, OP_REMOVE);
-    }
-    ~LowerDelete() {
-        if (lowered_)
-            yfw_dt_set_operation(node_, OP_DELETE);
-    }
-    LowerDelete(const LowerDelete &) = delete;
-    LowerDelete &operator=(const LowerDelete &) = delete;
-
-private:
-    tidl_yfw_datatree *node_;
-    bool lowered_;
-};
-
 // The walk-all pass of a container: every child in schema order with the
 // container's own node, state-only children in KIND_GET, then the augment
 // parser. The children's statuses are dropped: a walk-all pass reads or
@@ -276,9 +238,11 @@ void oq_walk_all(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
                  tidl_yfw_datatree *out_tree) {
     yfw_map_state *st = ctx->state;
     {
-        WalkAll walk_all(st);
+        WalkScope scope(ctx, node);
+        scope.walk_all();
         {
-            LowerDelete lowered(node);
+            WalkScope lowered(ctx, node);
+            lowered.lower_delete();
             for (const Child &c : row.children)
                 if ((c.flags & kStateOnly) == 0 && c.walk != nullptr)
                     (void)c.walk(ctx, node, out_tree);
@@ -320,7 +284,8 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
     const bool read = read_kind(ctx);
 
     // A delete names a container alone.
-    if (!walk_all && subs.count != 0 && st->walk_suppress == 0 && yfw_map_is_request_delete(node)) {
+    if (!walk_all && subs.count != 0 && st->walk_suppress == YFW_MAP_SUPPRESS_NONE &&
+        yfw_map_is_request_delete(node)) {
         YFW_MAP_TRC(ctx, row.name, YMAP_MSG_DELETE_WITH_SUBTREE);
         return end(row, ctx, YFW_ERR_INVALID_ARGS);
     }
@@ -432,27 +397,26 @@ bool keys_valid(const WalkerRow &row, uint32_t kind, const KeyScan &scan) {
 }
 
 // The list mapper's call, with the suppress protocol around it: a delete that
-// names the keys alone shows the mapper walk_suppress 2 (the whole entry
-// goes); a bare delete inside a walk-all pass holds walk_suppress 1 for the
-// rest of the walker, so that nested lists demand no keys.
+// names the keys alone shows the mapper that the whole entry goes; a bare
+// delete inside a walk-all pass holds the entry-gone level in the walker's
+// scope, for the rest of the walker, so that nested lists demand no keys.
 struct MapperCall {
     cerrno status;
     bool deleted_whole;
 };
 MapperCall call_list_mapper(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-                            const Subtrees &subs, const KeyScan &scan, bool &suppress_set,
+                            const Subtrees &subs, const KeyScan &scan, WalkScope &walker_scope,
                             tidl_yfw_datatree *out_tree) {
-    yfw_map_state *st = ctx->state;
+    const yfw_map_state *st = ctx->state;
     const bool del = yfw_map_is_request_delete(node) != 0;
-    if (del && scan.keys != 0 && !scan.other_children && st->walk_suppress == 0) {
-        st->walk_suppress = 2;
-        const cerrno status = row.mapper(ctx, node, out_tree);
-        st->walk_suppress = 0;
-        return {status, true};
+    const bool unsuppressed = st->walk_suppress == YFW_MAP_SUPPRESS_NONE;
+    if (del && scan.keys != 0 && !scan.other_children && unsuppressed) {
+        WalkScope call(ctx, node);
+        call.suppress(YFW_MAP_SUPPRESS_KEYS_DELETE);
+        return {row.mapper(ctx, node, out_tree), true};
     }
-    if (del && subs.count == 0 && st->walk_all == 1 && st->walk_suppress == 0) {
-        st->walk_suppress = 1;
-        suppress_set = true;
+    if (del && subs.count == 0 && st->walk_all == 1 && unsuppressed) {
+        walker_scope.suppress(YFW_MAP_SUPPRESS_ENTRY_GONE);
         return {row.mapper(ctx, node, out_tree), true};
     }
     return {row.mapper(ctx, node, out_tree), false};
@@ -463,23 +427,20 @@ MapperCall call_list_mapper(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_dat
 // `state`, and the augment parser, as one walk-all pass.
 void expand_entry(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *target,
                   bool deleted_whole, bool bare, tidl_yfw_datatree *out_tree) {
-    yfw_map_state *st = ctx->state;
-    WalkAll walk_all(st);
-    const uint32_t suppress_before = st->walk_suppress;
-    if (bare || deleted_whole)
-        st->walk_suppress = 1;
-    const Subtrees subs(target);
-    const int32_t op_before = target->operation;
-    const unsigned op_present_before = target->present_operation;
-    if (!bare) {
-        if (yfw_map_is_request_delete(target))
-            yfw_dt_set_operation(target, OP_REMOVE);
-        // The named keys stay reachable for the framework while the entry is walked bare.
-        yfw_map_util_itree_stack_push(ctx, subs.items, subs.count, nullptr);
-        yfw_dt_clear_subtrees(target);
-    }
     {
-        LowerDelete lowered(target);
+        WalkScope scope(ctx, target);
+        scope.walk_all();
+        if (bare || deleted_whole)
+            scope.suppress(YFW_MAP_SUPPRESS_ENTRY_GONE);
+        if (!bare) {
+            if (yfw_map_is_request_delete(target))
+                scope.set_operation(OP_REMOVE);
+            // The named keys stay reachable for the framework while the entry is walked bare.
+            const Subtrees subs(target);
+            yfw_map_util_itree_stack_push(ctx, subs.items, subs.count, nullptr);
+            scope.hide_subtrees();
+        }
+        scope.lower_delete();
         if (bare)
             if (const Child *key = walked_child(row, row.keys[0]))
                 (void)key->walk(ctx, target, out_tree);
@@ -490,14 +451,8 @@ void expand_entry(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *tar
                 (void)state->walk(ctx, target, out_tree);
         (void)row.augment_parser(ctx, target, out_tree);
     }
-    st->walk_suppress = suppress_before;
-    if (!bare) {
-        target->operation = op_before;
-        target->present_operation = op_present_before;
-        yfw_dt_set_subtrees(target, subs.items, subs.count);
-        target->present_subtrees = subs.items != nullptr || subs.count != 0 ? 1 : 0;
+    if (!bare)
         yfw_map_util_itree_stack_pop(ctx);
-    }
 }
 
 // The children named in one instance of a list entry: keys (refused when
@@ -589,7 +544,8 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
         return bad_subtrees(row.name, ctx);
     const bool walk_all = st->walk_all == 1;
 
-    if (subs.count == 0 && !walk_all && st->walk_suppress == 0) {
+    const bool unsuppressed = st->walk_suppress == YFW_MAP_SUPPRESS_NONE;
+    if (subs.count == 0 && !walk_all && unsuppressed) {
         YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_KEYS);
         if (yfw_map_is_key_demanding_kind(kind)) {
             YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_KEYS);
@@ -605,14 +561,14 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     cerrno status = yfw_map_update_current_list_node(ctx, row.list_path);
 
     KeyScan scan;
-    if (subs.count != 0 && status == YFW_SUCCESS && st->walk_all != 1 && st->walk_suppress == 0) {
+    if (subs.count != 0 && status == YFW_SUCCESS && !walk_all && unsuppressed) {
         const cerrno checked = scan_keys(row, ctx, node, subs, scan);
         // The hierarchy stays as it is: the framework reads it for the answer.
         if (checked != YFW_SUCCESS)
             return end(row, ctx, checked);
     }
     // A bad key: the walk goes on to the end with the status, doing no work.
-    if (!walk_all && subs.count != 0 && st->walk_suppress == 0 && status == YFW_SUCCESS &&
+    if (!walk_all && subs.count != 0 && unsuppressed && status == YFW_SUCCESS &&
         !keys_valid(row, kind, scan)) {
         YFW_MAP_ERR(ctx, row.name, YMAP_MSG_KEY_ERROR);
         status = refuse(ctx, row.keys[0], YFW_ERR_LIST_KEY);
@@ -625,17 +581,13 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
         scan.key_without_value = false;
     }
 
-    bool suppress_set = false;
+    WalkScope scope(ctx, node);
     for (int pass = 0; pass < (replace ? 2 : 1) && status == YFW_SUCCESS; ++pass) {
         subs = Subtrees(node); // an earlier pass may have added a key to the entry
         const uint32_t stack_before = yfw_map_util_itree_stack_size(ctx);
-        const MapperCall mapped =
-            call_list_mapper(row, ctx, node, subs, scan, suppress_set, out_tree);
+        const MapperCall mapped = call_list_mapper(row, ctx, node, subs, scan, scope, out_tree);
         if (mapped.status == YFW_MAP_SKIP_NODE) {
-            if (suppress_set) {
-                st->walk_suppress = 0;
-                suppress_set = false;
-            }
+            scope.release_suppress();
         } else {
             status = mapped.status;
             yfw_map_itree_entry *entry = nullptr;
@@ -655,8 +607,7 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
             st->state_flags &= ~YFW_MAP_STATE_REPLACE_DELETE;
         }
     }
-    if (suppress_set)
-        st->walk_suppress = 0;
+    scope.release_suppress();
     if (replace)
         end_replace(st);
     if (!walk_all)
@@ -678,8 +629,9 @@ cerrno oq_augment(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
     const cerrno status = visit(row, ctx, cls, node, out_tree);
     if (subs.count == 0 && status == YFW_SUCCESS &&
         (read_kind(ctx) || yfw_map_is_request_delete(node))) {
-        WalkAll walk_all(ctx->state);
-        LowerDelete lowered(node);
+        WalkScope scope(ctx, node);
+        scope.walk_all();
+        scope.lower_delete();
         for (const Child &c : row.children)
             if (c.walk != nullptr && ((c.flags & kStateOnly) == 0 || request_kind(ctx) == KIND_GET))
                 (void)c.walk(ctx, node, out_tree);

@@ -300,7 +300,7 @@ TEST(OqListWalker, KeysOnlyDeleteRunsTheMapperWithSuppressTwoThenWalksTheEntryWh
     Request r(KIND_EDIT_A);
     tidl_yfw_datatree *in = r.input(top("<lst nc:operation=\"delete\"><name>motd</name></lst>"));
     ASSERT_EQ(kTop(r.ctx(), in, r.session().output()), YFW_SUCCESS);
-    EXPECT_EQ(test::last_list_mapper_call.walk_suppress, 2u);
+    EXPECT_EQ(test::last_list_mapper_call.walk_suppress, (uint32_t)YFW_MAP_SUPPRESS_KEYS_DELETE);
     EXPECT_TRUE(test::last_list_mapper_call.deleted);
     EXPECT_EQ(r.ctx()->list_op, (uint32_t)OP_DELETE);
     // The entry goes, and its content is named for removal. The key leaf is

@@ -76,7 +76,7 @@ public:
     void expect_state_restored() {
         const yfw_map_state *st = state();
         EXPECT_EQ(st->walk_all, 0u);
-        EXPECT_EQ(st->walk_suppress, 0u);
+        EXPECT_EQ(st->walk_suppress, (uint32_t)YFW_MAP_SUPPRESS_NONE);
         EXPECT_EQ(st->state_flags & ~YFW_MAP_STATE_XPATH_ERROR, 0u);
         EXPECT_EQ(st->replace_active, 0u);
         EXPECT_EQ(st->output_list_count, 0u);
