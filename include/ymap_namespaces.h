@@ -52,7 +52,7 @@
 /* clang-format on */
 
 #ifdef __cplusplus
-#define YMAP_NS_CONSTANT_(id, module, ns) inline constexpr char NS_##id[] = ns;
+#define YMAP_NS_CONSTANT_(id, module, ns) inline constexpr const char *NS_##id = ns;
 YMAP_MODULES(YMAP_NS_CONSTANT_)
 #undef YMAP_NS_CONSTANT_
 #endif
