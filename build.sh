@@ -9,7 +9,7 @@ cd "$(dirname "$0")"
 
 PACKAGES=(cmake ninja-build g++ clang libclang-rt-dev libgtest-dev libgmock-dev libbenchmark-dev
           libxml2-dev nlohmann-json3-dev libyang2-dev libyang2-tools pkg-config
-          libnetconf2-dev libssh-dev python3-ncclient yangcli dpkg-dev file doxygen)
+          libnetconf2-dev libssh-dev python3-ncclient python3-paramiko yangcli dpkg-dev file doxygen)
 
 install_missing() {
     local missing=()
