@@ -86,7 +86,6 @@ const std::vector<std::string> &paths() {
         };
         for (const ymap::MapperRow *row : ymap::all_mapper_rows()) {
             add(row->path);
-            add(row->second);
         }
         for (const ymap::WalkerRow *row : ymap::all_walker_rows()) {
             add(row->list_path);

@@ -128,15 +128,11 @@ inline const Schema &schema() {
         }
         for (const ymap::MapperRow *row : ymap::all_mapper_rows()) {
             add_path_words(s.tags, row->path);
-            add_path_words(s.tags, row->second);
             for (uint32_t i = 0; i < row->component_count; ++i) {
                 add_path_words(s.tags, row->components[i]);
             }
             if (row->ns != nullptr) {
                 add_unique(s.namespaces, row->ns);
-            }
-            if (row->second_value != nullptr) {
-                add_unique(s.values, row->second_value);
             }
         }
         return s;

@@ -120,14 +120,13 @@ enum class ListForm : uint8_t {
     Companion, // a function of a companion library, of (ctx, const node, out_tree)
 };
 enum class LeafForm : uint8_t {
-    None,        // accepted, with no counterpart
-    Automatic,   // oq: the three-way rule; qo: one add with the value
-    ConfigState, // qo: `config` path unless oper_only, `state` path in KIND_GET
-    FromXpath,   // oq, a leaf of a private oper module: read kinds only
-    Refuse,      // the tag is refused
-    Table,       // rows of an xpath list chosen by a callback
-    Hand,        // a hand-written function of (ctx, node, out_tree)
-    Companion,   // a function of a companion library, of (ctx, const node, out_tree)
+    None,      // accepted, with no counterpart
+    Automatic, // oq: the three-way rule; qo: one add with the value
+    FromXpath, // oq, a leaf of a private oper module: read kinds only
+    Refuse,    // the tag is refused
+    Table,     // rows of an xpath list chosen by a callback
+    Hand,      // a hand-written function of (ctx, node, out_tree)
+    Companion, // a function of a companion library, of (ctx, const node, out_tree)
 };
 
 // Row flags.
@@ -152,10 +151,8 @@ struct MapperRow {
     ListForm list_form = ListForm::Pass;
     LeafForm leaf_form = LeafForm::None;
     uint16_t flags = 0;
-    const char *path = nullptr;   // target path
-    const char *ns = nullptr;     // target namespace
-    const char *second = nullptr; // the state path, or the fixed key path of a Mapped container
-    const char *second_value = nullptr;      // the fixed key value
+    const char *path = nullptr;              // target path
+    const char *ns = nullptr;                // target namespace
     const char *const *components = nullptr; // path pieces, the first is the root
     uint32_t component_count = 0;
     MapperFn hand = nullptr;
@@ -204,10 +201,6 @@ consteval bool check_row(const MapperRow &row) {
             return true;
         case LeafForm::Automatic:
             return target ? true : throw "an automatic leaf needs a target and namespace";
-        case LeafForm::ConfigState:
-            return target && row.second != nullptr && row.family == Family::Qo
-                       ? true
-                       : throw "config and state is a native-side form with two targets";
         case LeafForm::FromXpath:
             return pieces && row.family == Family::Oq
                        ? true

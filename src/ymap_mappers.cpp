@@ -88,23 +88,16 @@ cerrno container_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree 
         }
         YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_SUBTREES);
         return add_value(ctx, out_tree, row.path, row.ns, nullptr);
-    case ContForm::Mapped: {
-        cerrno status = YFW_SUCCESS;
+    case ContForm::Mapped:
         if (count != 0) {
             YFW_MAP_TRC(ctx, row.name, YMAP_MSG_MAPPED);
-            status = add_value(ctx, out_tree, row.path, row.ns, nullptr);
-        } else {
-            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_SUBTREES);
-            if (read_kind(ctx) || !yfw_map_is_request_delete(node))
-                return YFW_SUCCESS;
-            status = yfw_map_datatree_add_path_flagged(ctx, out_tree, row.path, row.ns, nullptr,
-                                                       node, nullptr, 0, 0);
+            return add_value(ctx, out_tree, row.path, row.ns, nullptr);
         }
-        // A native list that needs a fixed key gets it in every case that added.
-        if (row.second != nullptr)
-            status = add_value(ctx, out_tree, row.second, row.ns, row.second_value);
-        return status;
-    }
+        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_SUBTREES);
+        if (read_kind(ctx) || !yfw_map_is_request_delete(node))
+            return YFW_SUCCESS;
+        return yfw_map_datatree_add_path_flagged(ctx, out_tree, row.path, row.ns, nullptr, node,
+                                                 nullptr, 0, 0);
     case ContForm::Hand:
         return row.hand_count(ctx, node, count, out_tree);
     }
@@ -154,14 +147,6 @@ cerrno leaf_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
             if ((row.flags & kUnlessOperOnly) == 0 || !oper_only(ctx))
                 status =
                     add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
-        return status;
-    }
-    case LeafForm::ConfigState: {
-        cerrno status = YFW_SUCCESS;
-        if (!oper_only(ctx))
-            status = add_value(ctx, out_tree, row.path, row.ns, node->value, list_entry, augment);
-        if (request_kind(ctx) == KIND_GET)
-            status = add_value(ctx, out_tree, row.second, row.ns, node->value, list_entry, augment);
         return status;
     }
     case LeafForm::FromXpath:

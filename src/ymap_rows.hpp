@@ -89,9 +89,6 @@
 #define YMAP_CONT_TO(lv_, node_, form_, target_, ns_) \
     YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .cont_form = ::ymap::ContForm::form_, \
                              .path = target_, .ns = ns_)
-#define YMAP_CONT_TO_KEYED(lv_, node_, target_, ns_, key_path_, key_value_) \
-    YMAP_DISPATCH(YMAP_CMAP)(YMAP_MAPPER(cont, lv_, node_), .cont_form = ::ymap::ContForm::Mapped, \
-                             .path = target_, .ns = ns_, .second = key_path_, .second_value = key_value_)
 // A hand-written function of another name that the generated mapper calls.
 #define YMAP_CONT_HAND(lv_, node_, fn_) \
     YMAP_DISPATCH(YMAP_CMAP_HAND)(YMAP_MAPPER(cont, lv_, node_), fn_)
@@ -116,8 +113,6 @@
 #define YMAP_LIST_COMPANION(lv_, node_, fn_) \
     YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, \
                              .list_form = ::ymap::ListForm::Companion, .companion = &(fn_))
-#define YMAP_LIST_OWN(lv_, node_) \
-    YMAP_DISPATCH(YMAP_NMAP_OWN)(YMAP_MAPPER(list, lv_, node_), List, .list_form = ::ymap::ListForm::Hand)
 #define YMAP_LIST_TABLE(lv_, node_, table_) \
     YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(list, lv_, node_), List, \
                              .list_form = ::ymap::ListForm::Table, .table = &(table_))
@@ -126,10 +121,6 @@
 #define YMAP_LEAF_TO(lv_, node_, form_, target_, ns_, fl_) \
     YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, .leaf_form = ::ymap::LeafForm::form_, \
                              .flags = (fl_), .path = target_, .ns = ns_)
-#define YMAP_LEAF_CS(lv_, node_, config_, state_, ns_) \
-    YMAP_DISPATCH(YMAP_NMAP)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
-                             .leaf_form = ::ymap::LeafForm::ConfigState, .path = config_, .ns = ns_, \
-                             .second = state_)
 #define YMAP_LEAF_XPATH(lv_, node_, ns_, ...) \
     YMAP_DISPATCH(YMAP_NMAP_PIECES)(YMAP_MAPPER(leaf, lv_, node_), Leaf, \
                                     .leaf_form = ::ymap::LeafForm::FromXpath, ns_, __VA_ARGS__)

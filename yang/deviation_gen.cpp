@@ -62,10 +62,8 @@ public:
             // What a native answer's mapper writes is served too.
             if (row->family == ymap::Family::Qo && row->ns != nullptr &&
                 std::string_view(row->ns).starts_with("http://openconfig.net/")) {
-                for (const char *path : {row->path, row->second}) {
-                    if (path != nullptr && path[0] == '/') {
-                        written_.insert(path);
-                    }
+                if (row->path != nullptr && row->path[0] == '/') {
+                    written_.insert(row->path);
                 }
             }
         }

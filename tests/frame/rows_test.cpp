@@ -63,9 +63,6 @@ TEST(Rows, TargetsAndPiecesAreWellFormed) {
         if (row->path != nullptr) {
             EXPECT_TRUE(well_formed_path(row->path)) << row->path;
         }
-        if (row->second != nullptr) {
-            EXPECT_TRUE(well_formed_path(row->second)) << row->second;
-        }
         const bool pieces =
             (row->kind == ymap::MapperKind::Leaf && row->leaf_form == ymap::LeafForm::FromXpath) ||
             (row->kind == ymap::MapperKind::List && row->list_form == ymap::ListForm::Stitched);

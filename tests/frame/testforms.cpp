@@ -33,6 +33,6 @@ YMAP_HAND(ymap_oq_ocsystem_testforms_leaf_lvla_own_o) {
 }
 
 // An entry that is not to be mapped: dropped with its children.
-YMAP_HAND(ymap_oq_ocsystem_testforms_list_lvla_f_l4) {
+YMAP_HAND(test_forms_skip_list) {
     return YFW_MAP_SKIP_NODE;
 }

@@ -83,12 +83,6 @@ std::string target_of(const ymap::MapperRow &m) {
     } else if (m.path != nullptr) {
         out = m.path;
     }
-    if (m.second != nullptr) {
-        out.append(" ").append(m.second);
-        if (m.second_value != nullptr) {
-            out.append("=").append(m.second_value);
-        }
-    }
     if (m.ns != nullptr) {
         out.append(" @").append(module_of(m.ns));
     }
