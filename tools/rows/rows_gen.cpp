@@ -46,19 +46,44 @@ std::string_view module_of(std::string_view ns) {
     return ns.substr(ns.rfind('/') + 1);
 }
 
+// Switches rather than name arrays, so that a form added or removed is a
+// compile error here instead of a shifted name.
+#define YMAP_FORM_NAME_(Enum, v)                                                                   \
+    case ymap::Enum::v:                                                                            \
+        return #v;
 constexpr const char *form_name(ymap::ContForm f) {
-    constexpr const char *names[] = {"Pass", "StatePickup", "Mapped", "Hand"};
-    return names[static_cast<int>(f)];
+    switch (f) {
+        YMAP_FORM_NAME_(ContForm, Pass)
+        YMAP_FORM_NAME_(ContForm, StatePickup)
+        YMAP_FORM_NAME_(ContForm, Mapped)
+        YMAP_FORM_NAME_(ContForm, Hand)
+    }
+    return "?";
 }
 constexpr const char *form_name(ymap::ListForm f) {
-    constexpr const char *names[] = {"Pass", "Entry", "Stitched", "Table", "Hand", "Companion"};
-    return names[static_cast<int>(f)];
+    switch (f) {
+        YMAP_FORM_NAME_(ListForm, Pass)
+        YMAP_FORM_NAME_(ListForm, Entry)
+        YMAP_FORM_NAME_(ListForm, Stitched)
+        YMAP_FORM_NAME_(ListForm, Table)
+        YMAP_FORM_NAME_(ListForm, Hand)
+        YMAP_FORM_NAME_(ListForm, Companion)
+    }
+    return "?";
 }
 constexpr const char *form_name(ymap::LeafForm f) {
-    constexpr const char *names[] = {"None",   "Automatic", "ConfigState", "FromXpath",
-                                     "Refuse", "Table",     "Hand",        "Companion"};
-    return names[static_cast<int>(f)];
+    switch (f) {
+        YMAP_FORM_NAME_(LeafForm, None)
+        YMAP_FORM_NAME_(LeafForm, Automatic)
+        YMAP_FORM_NAME_(LeafForm, FromXpath)
+        YMAP_FORM_NAME_(LeafForm, Refuse)
+        YMAP_FORM_NAME_(LeafForm, Table)
+        YMAP_FORM_NAME_(LeafForm, Hand)
+        YMAP_FORM_NAME_(LeafForm, Companion)
+    }
+    return "?";
 }
+#undef YMAP_FORM_NAME_
 
 const char *form_of(const ymap::MapperRow &m) {
     switch (m.kind) {
