@@ -13,25 +13,25 @@
 
 namespace ocsysmap {
 
-// ROW(status, name, NETCONF error-tag, text when the library left no message)
+// The gRPC server name (another than the one running, or a delete of it) is
+// refused with a bare -1, which the contract has no name for.
+inline constexpr cerrno REFUSED = static_cast<cerrno>(-1);
+
+// ROW(status, NETCONF error-tag, text when the library left no message); the
+// name printed is the status's own.
 #define OCSYSMAP_STATUSES(ROW)                                                                     \
-    ROW(YFW_SUCCESS, "YFW_SUCCESS", "", "")                                                        \
-    ROW(YFW_ERR_INVALID_ARGS, "YFW_ERR_INVALID_ARGS", "invalid-value",                             \
-        "the request names what cannot go together")                                               \
-    ROW(YFW_ERR_BAD_TREE, "YFW_ERR_BAD_TREE", "malformed-message",                                 \
-        "the request tree is malformed")                                                           \
-    ROW(YFW_ERR_UNSUPPORTED_TAG, "YFW_ERR_UNSUPPORTED_TAG", "unknown-element",                     \
+    ROW(YFW_SUCCESS, "", "")                                                                       \
+    ROW(YFW_ERR_INVALID_ARGS, "invalid-value", "the request names what cannot go together")        \
+    ROW(YFW_ERR_BAD_TREE, "malformed-message", "the request tree is malformed")                    \
+    ROW(YFW_ERR_UNSUPPORTED_TAG, "unknown-element",                                                \
         "Unsupported tag is specified in the request.")                                            \
-    ROW(YFW_ERR_LIST_KEY, "YFW_ERR_LIST_KEY", "bad-element", "List key node error.")               \
-    ROW(YFW_ERR_KEY_DELETE, "YFW_ERR_KEY_DELETE", "operation-not-supported",                       \
+    ROW(YFW_ERR_LIST_KEY, "bad-element", "List key node error.")                                   \
+    ROW(YFW_ERR_KEY_DELETE, "operation-not-supported",                                             \
         "The key node should not have delete operation.")                                          \
-    ROW(YFW_ERR_BAD_VALUE, "YFW_ERR_BAD_VALUE", "invalid-value", "the value is refused")           \
-    ROW(YFW_MAP_SKIP_NODE, "YFW_MAP_SKIP_NODE", "operation-failed", "the node was skipped")        \
-    ROW(YFW_ERR_UNSUPPORTED_AUGMENT, "YFW_ERR_UNSUPPORTED_AUGMENT", "unknown-element",             \
-        "the node is not supported at this place")                                                 \
-    /* The contract has no name for it: the gRPC server name (another than */                      \
-    /* the one running, or a delete of it) is refused with a bare -1. */                           \
-    ROW(static_cast<cerrno>(-1), "REFUSED", "operation-failed", "the request was refused")
+    ROW(YFW_ERR_BAD_VALUE, "invalid-value", "the value is refused")                                \
+    ROW(YFW_MAP_SKIP_NODE, "operation-failed", "the node was skipped")                             \
+    ROW(YFW_ERR_UNSUPPORTED_AUGMENT, "unknown-element", "the node is not supported at this place") \
+    ROW(REFUSED, "operation-failed", "the request was refused")
 
 struct StatusRow {
     cerrno status;
@@ -40,7 +40,7 @@ struct StatusRow {
     std::string_view text;
 };
 
-#define OCSYSMAP_STATUS_ROW_(status, name, tag, text) StatusRow{status, name, tag, text},
+#define OCSYSMAP_STATUS_ROW_(status, tag, text) StatusRow{status, #status, tag, text},
 inline constexpr std::array kStatuses{OCSYSMAP_STATUSES(OCSYSMAP_STATUS_ROW_)};
 #undef OCSYSMAP_STATUS_ROW_
 
