@@ -368,8 +368,13 @@ ListEntry Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
     KeyValues wanted;
     for (std::string_view key : keys) {
         const char *value = open.value_of(key);
-        if (value == nullptr) // another list than the input entry's
-            return current_entry(parent, tag, keys, false);
+        if (value == nullptr) { // another list than the input entry's
+            // Its keys stay what they are while it is open, so its next adds
+            // take the current entry at once.
+            const ListEntry entry = current_entry(parent, tag, keys, false);
+            entry.list->bound_to = open.serial;
+            return entry;
+        }
         wanted.push_back(value);
     }
     uint32_t entry;
