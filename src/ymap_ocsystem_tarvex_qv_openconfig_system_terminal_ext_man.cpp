@@ -2,7 +2,7 @@
 // /system/telnet-server and its namespace dispatch, the session limits, the
 // row switch of its xpath tables, and the native key that opens the
 // OpenConfig entries.
-#include <cstring>
+#include <string_view>
 
 #include "ymap_module_state.hpp"
 #include "ymap_ocsystem_modules.h"
@@ -31,9 +31,11 @@ cerrno session_limit(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatre
 // alone: the operational rows are reached through the `state` leaves.
 cerrno select_config_row(const char *name, yfw_map_ctx *ctx, int32_t count,
                          xpath_list_type_t *rows) {
-    constexpr char kPrefix[] = "/ip/";
+    // The path field is a whole array, so its first bytes can be compared
+    // as they stand, without a call.
+    constexpr std::string_view kPrefix = "/ip/";
     for (int32_t i = 0; i < count; ++i) {
-        if (std::strncmp(rows[i].xpath, kPrefix, sizeof kPrefix - 1) == 0) {
+        if (std::string_view(rows[i].xpath, kPrefix.size()) == kPrefix) {
             YFW_MAP_TRC(ctx, name, "Setting TRUE for path %s", rows[i].xpath);
             rows[i].selected = 1;
             break;
