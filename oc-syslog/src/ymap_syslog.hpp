@@ -3,6 +3,7 @@
 #pragma once
 
 #include <span>
+#include <string_view>
 
 #include "ymap_ocsystem_modules.h"
 #include "ymap_xpath_tables.hpp"
@@ -25,8 +26,8 @@ YMAP_EXPORT const char *oc_syslog_check_ipv4_ipv6(const char *host);
 namespace ymap::syslog {
 
 struct WordPair {
-    const char *oc;
-    const char *native;
+    std::string_view oc;
+    std::string_view native;
 };
 
 // The vocabularies, each with the wording of its failure traces.
@@ -38,7 +39,7 @@ const char *convert(yfw_map_ctx *ctx, const char *name, Words words, Direction d
 
 // Whether `value` is exactly `word`, through the safe-string compare; a
 // compare that fails itself is reported as `on_failure`.
-bool same_word(const char *caller, const char *word, const char *value, bool on_failure);
+bool same_word(const char *caller, std::string_view word, const char *value, bool on_failure);
 
 } // namespace ymap::syslog
 

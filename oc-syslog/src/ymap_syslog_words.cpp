@@ -1,7 +1,6 @@
 // The severity and facility words of both models. One table per vocabulary
 // serves both directions: the left-hand column is the word looked up.
 #include <array>
-#include <cstring>
 
 #include "ymap_syslog.hpp"
 
@@ -51,6 +50,16 @@ constexpr std::array<WordPair, 14> kFacility{{
     {"SYSLOG", "syslog"},
 }};
 
+// A value spells at most one word of a column: the lookup relies on it.
+template <std::size_t N> constexpr bool distinct(const std::array<WordPair, N> &table) {
+    for (std::size_t i = 0; i < N; ++i)
+        for (std::size_t j = i + 1; j < N; ++j)
+            if (table[i].oc == table[j].oc || table[i].native == table[j].native)
+                return false;
+    return true;
+}
+static_assert(distinct(kSeverity) && distinct(kConsoleSeverity) && distinct(kFacility));
+
 std::span<const WordPair> table_of(Words words) {
     switch (words) {
     case Words::Severity:
@@ -89,10 +98,10 @@ void trace_invalid(yfw_map_ctx *ctx, const char *name, Words words, const char *
 
 } // namespace
 
-bool same_word(const char *caller, const char *word, const char *value, bool on_failure) {
-    const std::size_t length = std::strlen(word);
+bool same_word(const char *caller, std::string_view word, const char *value, bool on_failure) {
+    const std::size_t length = word.size();
     int indicator = 1;
-    if (yfw_strcmp_s(caller, word, length, value, &indicator) != 0)
+    if (yfw_strcmp_s(caller, word.data(), length, value, &indicator) != 0)
         return on_failure;
     // The compare stops at the word's length; a longer value is another word.
     return indicator == 0 && value[length] == '\0';
@@ -107,9 +116,14 @@ const char *convert(yfw_map_ctx *ctx, const char *name, Words words, Direction d
         trace_null(ctx, name, words);
     } else {
         const bool to_native = direction == Direction::ToNative;
+        const std::string_view text(value);
+        // The words of a column differ, so only the row the value spells can
+        // match: the framework's compare confirms that one and is spared the
+        // rest.
         for (const WordPair &pair : table_of(words)) {
-            if (same_word(name, to_native ? pair.oc : pair.native, value, false)) {
-                result = to_native ? pair.native : pair.oc;
+            const std::string_view word = to_native ? pair.oc : pair.native;
+            if (word == text && same_word(name, word, value, false)) {
+                result = (to_native ? pair.native : pair.oc).data();
                 break;
             }
         }
