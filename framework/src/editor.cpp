@@ -544,13 +544,15 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         // A level with the same segments above it on the same tree has the
         // same keys, so only a list level, and the last, need `how`.
         const bool last_is_child = !ends_in_key && !(list_entry && value != nullptr);
+        const std::string_view *named = segments.data();
         for (const std::size_t reach = std::min(memo->depth, count); i < reach; ++i) {
             const AddMemo::Level &level = memo->levels[i];
-            if (level.segment.data() != segments[i].data() ||
-                level.position >= at.node->subtree_count)
+            if (level.segment.data() != named[i].data() || level.position >= at.node->subtree_count)
                 break;
             if (level.list == nullptr) {
-                if (i + 1 == count && !last_is_child)
+                // A key that has this value already: setting it leaves the entry as it is.
+                if (i + 1 == count && !last_is_child &&
+                    !(ends_in_key && same_text(at.node->subtrees[level.position].value, value)))
                     break;
             } else if (const std::optional<How> way = how(i); !way || *way == How::Child) {
                 break;
@@ -609,8 +611,16 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         }
         if (last && ends_in_key && at.parent != nullptr) {
             seal();
-            return set_key(at.parent, position(at.parent, at.node), std::span(segments).first(i),
-                           keys_at(i - 1), segment, value);
+            const Placed key =
+                set_key(at.parent, position(at.parent, at.node), std::span(segments).first(i),
+                        keys_at(i - 1), segment, value);
+            // The same entry, keyed: the memo takes the key leaf, for the same key again.
+            if (key.parent == at.node && value != nullptr && memo != nullptr &&
+                memo->reshapes == reshapes && remembered == i && i < AddMemo::kLevels) {
+                memo->levels[i] = {segment, nullptr, position(key.parent, key.node)};
+                memo->depth = i + 1;
+            }
+            return key;
         }
         tidl_yfw_datatree *next = nullptr;
         if (last && list_entry && value != nullptr) {
