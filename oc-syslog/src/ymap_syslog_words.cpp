@@ -50,15 +50,20 @@ constexpr std::array<WordPair, 14> kFacility{{
     {"SYSLOG", "syslog"},
 }};
 
-// A value spells at most one word of a column: the lookup relies on it.
-template <std::size_t N> constexpr bool distinct(const std::array<WordPair, N> &table) {
+// Length, first and last letter tell the words of a column apart, so they
+// pick the one row a value can spell; the framework's compare decides it.
+constexpr bool candidate(std::string_view word, std::string_view text) {
+    return word.size() == text.size() && word.front() == text.front() && word.back() == text.back();
+}
+
+template <std::size_t N> constexpr bool told_apart(const std::array<WordPair, N> &table) {
     for (std::size_t i = 0; i < N; ++i)
         for (std::size_t j = i + 1; j < N; ++j)
-            if (table[i].oc == table[j].oc || table[i].native == table[j].native)
+            if (candidate(table[i].oc, table[j].oc) || candidate(table[i].native, table[j].native))
                 return false;
     return true;
 }
-static_assert(distinct(kSeverity) && distinct(kConsoleSeverity) && distinct(kFacility));
+static_assert(told_apart(kSeverity) && told_apart(kConsoleSeverity) && told_apart(kFacility));
 
 std::span<const WordPair> table_of(Words words) {
     switch (words) {
@@ -117,12 +122,9 @@ const char *convert(yfw_map_ctx *ctx, const char *name, Words words, Direction d
     } else {
         const bool to_native = direction == Direction::ToNative;
         const std::string_view text(value);
-        // The words of a column differ, so only the row the value spells can
-        // match: the framework's compare confirms that one and is spared the
-        // rest.
         for (const WordPair &pair : table_of(words)) {
             const std::string_view word = to_native ? pair.oc : pair.native;
-            if (word == text && same_word(name, word, value, false)) {
+            if (candidate(word, text) && same_word(name, word, value, false)) {
                 result = (to_native ? pair.native : pair.oc).data();
                 break;
             }
