@@ -68,6 +68,18 @@ inline bool text_equal(const char *a, const char *b) {
 
 // ---- The frame --------------------------------------------------------------
 
+// The lines that open and close every frame. Each is one trace statement: the
+// debug log is asked inline, once, and the writing is out of line, so that a
+// frame with both sinks off carries no trace buffer and pays one call and one
+// field test per line.
+enum class FrameLine : uint8_t { Start, End };
+[[gnu::cold]] void write_frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line, bool debug);
+inline void frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line) {
+    const bool debug = yfw_debug_should_log(&ctx->debug_filter, YFW_MAP_LEVEL_TRC) != 0;
+    if (debug || ctx->trace_on != 0) [[unlikely]]
+        write_frame_line(ctx, name, line, debug);
+}
+
 // Keeps `tag` as the tag to report (the old one is released first), records
 // the error path and returns `status`.
 cerrno refuse(yfw_map_ctx *ctx, const char *tag, cerrno status);
@@ -84,7 +96,7 @@ cerrno framed(yfw_map_ctx *ctx, const char *name, const void *node, const void *
     if (!frame_start(ctx, name, node, out_tree))
         return YFW_ERR_INVALID_ARGS;
     const cerrno status = body();
-    YFW_MAP_TRC(ctx, name, YMAP_MSG_END);
+    frame_line(ctx, name, FrameLine::End);
     return status;
 }
 

@@ -13,10 +13,30 @@ void assertion_failed(const char *expr, const char *file, int line, const char *
     std::abort();
 }
 
+void write_frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line, bool debug) {
+    // The two sinks of the trace statement, for a question already asked.
+    static int32_t cells[2] = {-1, -1};
+    const bool start = line == FrameLine::Start;
+    if (debug) {
+        if (start)
+            _qvos_dt_log_filter_adv(ctx->trace_log, 0, 0, 0, 0, 0, &cells[0],
+                                    "TRC: YFW: ctx=%p," YMAP_MSG_START, (void *)ctx);
+        else
+            _qvos_dt_log_filter_adv(ctx->trace_log, 0, 0, 0, 0, 0, &cells[1],
+                                    "TRC: YFW: ctx=%p," YMAP_MSG_END, (void *)ctx);
+    }
+    if (ctx->trace_on != 0) {
+        char buf[YFW_MAP_TRACE_BUF];
+        snprintf(buf, sizeof buf, "#%u: TRC: %s:%d ctx=%p,%s", ret_nc_yfw_trace_index_incr(), name,
+                 __LINE__, (void *)ctx, start ? YMAP_MSG_START : YMAP_MSG_END);
+        _lstrace(ctx->lstrace_handle, YFW_MAP_LSTRACE_FLAGS, buf);
+    }
+}
+
 bool frame_start(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree) {
     YMAP_ASSERT_CTX(ctx);
-    YFW_MAP_TRC(ctx, name, YMAP_MSG_START);
-    if (node != nullptr && out_tree != nullptr)
+    frame_line(ctx, name, FrameLine::Start);
+    if (node != nullptr && out_tree != nullptr) [[likely]]
         return true;
     YFW_MAP_ERR(ctx, name, YMAP_MSG_INVALID_ARGS);
     yfw_oc_error_path(ctx);

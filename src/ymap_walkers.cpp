@@ -35,16 +35,22 @@ struct Subtrees {
     }
 };
 
+// The first letters are compared before the whole texts, since most tags of a
+// row differ there.
+bool same_tag(const char *tag, const char *schema_tag) {
+    return tag[0] == schema_tag[0] && text_equal(tag, schema_tag);
+}
+
 const Child *find_child(const WalkerRow &row, const char *tag) {
     for (const Child &c : row.children)
-        if (text_equal(tag, c.tag))
+        if (same_tag(tag, c.tag))
             return &c;
     return nullptr;
 }
 
 bool is_key_tag(const WalkerRow &row, const char *tag) {
     for (const char *k : row.keys)
-        if (k != nullptr && text_equal(tag, k))
+        if (k != nullptr && same_tag(tag, k))
             return true;
     return false;
 }
@@ -54,13 +60,13 @@ std::size_t key_count(const WalkerRow &row) {
 }
 
 cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status) {
-    YFW_MAP_TRC(ctx, row.name, YMAP_MSG_END);
+    frame_line(ctx, row.name, FrameLine::End);
     return status;
 }
 
 cerrno bad_subtrees(const char *name, yfw_map_ctx *ctx) {
     YFW_MAP_ERR(ctx, name, YMAP_MSG_BAD_SUBTREES);
-    YFW_MAP_TRC(ctx, name, YMAP_MSG_END);
+    frame_line(ctx, name, FrameLine::End);
     return YFW_ERR_BAD_TREE;
 }
 
@@ -118,7 +124,7 @@ cerrno own_unknown(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatr
 // A native leaf, walked inline under its own walker's name.
 cerrno inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
                    tidl_yfw_datatree *out_tree) {
-    YFW_MAP_TRC(ctx, c.leaf_name, YMAP_MSG_START);
+    frame_line(ctx, c.leaf_name, FrameLine::Start);
     if (Subtrees(leaf).malformed)
         return bad_subtrees(c.leaf_name, ctx);
     if (leaf->present_error_kind != 0 && leaf->error_kind == YFW_MAP_ERROR_KIND_XPATH) {
@@ -126,7 +132,7 @@ cerrno inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
         ctx->state->state_flags |= YFW_MAP_STATE_XPATH_ERROR;
     }
     const cerrno status = c.leaf_mapper(ctx, leaf, out_tree);
-    YFW_MAP_TRC(ctx, c.leaf_name, YMAP_MSG_END);
+    frame_line(ctx, c.leaf_name, FrameLine::End);
     return status;
 }
 

@@ -1,7 +1,6 @@
 // The table forms of list and leaf mappers, on the one primitive.
 #include "ymap_xpath.hpp"
 
-#include <algorithm>
 #include <cstring>
 
 namespace ymap {
@@ -10,13 +9,20 @@ const char *xpath_node_value(const tidl_yfw_datatree *node) {
     return node->value;
 }
 
-bool has_second(const xpath_list_type_t &row) {
-    return std::strcmp(row.second_xpath, kNonePath) != 0 &&
-           std::strcmp(row.second_xpath, kNullPath) != 0;
-}
-
 SelectedRows::SelectedRows(const XpathTable &table, yfw_map_ctx *ctx) : real_(table.real_rows) {
-    std::copy_n(table.rows, real_ + 1, rows_.begin());
+    // A field's bytes past its terminator are left as they are: the copy is
+    // made per call and most of each row is unused space.
+    for (uint32_t i = 0; i <= real_; ++i) {
+        const xpath_list_type_t &from = table.rows[i];
+        xpath_list_type_t &to = rows_[i];
+        const TextSizes &size = table.sizes[i];
+        std::memcpy(to.xpath, from.xpath, size.xpath);
+        std::memcpy(to.namespace_, from.namespace_, size.ns);
+        to.value_fn = from.value_fn;
+        to.selected = from.selected;
+        to.augment_flag = from.augment_flag;
+        std::memcpy(to.second_xpath, from.second_xpath, size.second);
+    }
     callback_status_ = table.callback(ctx, static_cast<int32_t>(real_), rows_.data());
 }
 

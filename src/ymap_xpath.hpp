@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 
 #include "ymap_frame.hpp"
@@ -19,18 +20,32 @@ inline constexpr std::size_t kMaxTableRows = 5;
 inline constexpr const char kNullPath[] = "NULL";
 inline constexpr const char kNonePath[] = "None";
 
+// The bytes of a row's texts, terminators included: what the stack copy takes
+// of each field, the rest of a field being beyond its text.
+struct TextSizes {
+    uint16_t xpath;
+    uint16_t ns;
+    uint16_t second;
+};
+
 struct XpathTable {
     const char *name;
     const xpath_list_type_t *rows; // the closing row included
     uint32_t real_rows;            // rows before the closing row
     xpath_type_check_fn callback;
+    std::array<TextSizes, kMaxTableRows> sizes;
 };
 
 // The identity value function of the tables: the node's value as it stands.
 const char *xpath_node_value(const tidl_yfw_datatree *node);
 
-// Whether a row has a second path to add ("NULL" and "None" are none).
-bool has_second(const xpath_list_type_t &row);
+// Whether a row has a second path to add ("NULL" and "None" are none). Both
+// words fit the field with their terminators, so a fixed-size comparison is
+// the text comparison.
+inline bool has_second(const xpath_list_type_t &row) {
+    return std::memcmp(row.second_xpath, kNonePath, sizeof kNonePath) != 0 &&
+           std::memcmp(row.second_xpath, kNullPath, sizeof kNullPath) != 0;
+}
 
 // The checks of a table's constant: it ends with its closing row, no data row
 // looks like one, it fits the stack copy, and no row starts selected. (Value
@@ -69,6 +84,18 @@ template <std::size_t N> consteval void copy_text(char (&to)[N], std::string_vie
 }
 
 template <std::size_t N>
+consteval std::array<TextSizes, kMaxTableRows>
+text_sizes(const std::array<xpath_list_type_t, N> &rows) {
+    const auto size = [](const char *text) {
+        return static_cast<uint16_t>(std::string_view(text).size() + 1);
+    };
+    std::array<TextSizes, kMaxTableRows> out{};
+    for (std::size_t i = 0; i < N && i < kMaxTableRows; ++i)
+        out[i] = {size(rows[i].xpath), size(rows[i].namespace_), size(rows[i].second_xpath)};
+    return out;
+}
+
+template <std::size_t N>
 consteval std::array<xpath_list_type_t, N> table_records(const XpathRow (&rows)[N]) {
     std::array<xpath_list_type_t, N> out{};
     for (std::size_t i = 0; i < N; ++i) {
@@ -94,14 +121,13 @@ consteval std::array<xpath_list_type_t, N> table_records(const XpathRow (&rows)[
     static_assert(::ymap::check_table(user_##_rows));                                              \
     inline constexpr ::ymap::XpathTable user_ {                                                    \
 #user_, user_##_rows.data(), static_cast < uint32_t>(user_##_rows.size() - 1),             \
-            &(callback_)                                                                           \
+            &(callback_), ::ymap::text_sizes(user_##_rows)                                         \
     }
 
 // The one primitive of the table forms, for generated and hand-written
-// mappers alike: copies the table to the stack and runs its callback on the
-// copy with the count of real rows. Then `each` visits the real rows that the
-// callback selected, in table order, so a mark on the closing row has no
-// effect.
+// mappers alike: copies the table to the stack (each text to its terminator)
+// and runs its callback on the copy with the count of real rows. Then `each` visits the real rows
+// that the callback selected, in table order, so a mark on the closing row has no effect.
 class SelectedRows {
 public:
     SelectedRows(const XpathTable &table, yfw_map_ctx *ctx);
