@@ -23,6 +23,14 @@ struct yfw_map_session {
     std::size_t depth = 0;
     yfw_map_itree_entry itree[kDepth]{};
     std::size_t itree_size = 0;
+    // What a list path asks for, kept by the text's address: the callers pass
+    // the same few constant paths entry after entry.
+    struct ListPath {
+        const char *source = nullptr;
+        std::string_view tag;
+        bool config = false;
+    };
+    ListPath list_paths[8]{};
 };
 
 namespace bench {
@@ -73,12 +81,23 @@ cerrno count_add(yfw_map_ctx *ctx, tidl_yfw_datatree **new_node_out = nullptr) {
     return YFW_SUCCESS;
 }
 
-const tidl_yfw_datatree *child(const tidl_yfw_datatree *node, std::string_view tag) {
+// Whether the terminated `text` is `word`: most texts differ in their first
+// letter, which settles it without a call.
+bool is_text(const char *text, std::string_view word) {
+    if (text == nullptr || word.empty())
+        return text != nullptr && text[0] == '\0';
+    return text[0] == word[0] && std::strncmp(text + 1, word.data() + 1, word.size() - 1) == 0 &&
+           text[word.size()] == '\0';
+}
+
+const tidl_yfw_datatree *child(const tidl_yfw_datatree *node, const char *tag) {
     if (node == nullptr || !node->present_subtrees || node->subtrees == nullptr)
         return nullptr;
-    for (uint32_t i = 0; i < node->subtree_count; ++i)
-        if (node->subtrees[i].tag != nullptr && tag == node->subtrees[i].tag)
+    for (uint32_t i = 0; i < node->subtree_count; ++i) {
+        const char *t = node->subtrees[i].tag;
+        if (t != nullptr && t[0] == tag[0] && std::strcmp(t, tag) == 0)
             return &node->subtrees[i];
+    }
     return nullptr;
 }
 
@@ -134,16 +153,21 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *, const char *) {
 cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char *key_name,
                              char **value_out) {
     yfw_map_session &s = session_of(ctx);
-    std::string_view path = list_path;
-    const bool config = path.ends_with("/config");
-    if (config)
-        path.remove_suffix(7);
-    const std::string_view tag = path.substr(path.rfind('/') + 1);
+    auto &asked =
+        s.list_paths[(reinterpret_cast<uintptr_t>(list_path) >> 3) % std::size(s.list_paths)];
+    if (asked.source != list_path) {
+        std::string_view path = list_path;
+        asked = {list_path, {}, path.ends_with("/config")};
+        if (asked.config)
+            path.remove_suffix(7);
+        asked.tag = path.substr(path.rfind('/') + 1);
+    }
     *value_out = nullptr;
     for (std::size_t i = std::min(s.depth, yfw_map_session::kDepth); i-- > 0;) {
-        if (s.hierarchy[i]->tag == nullptr || tag != s.hierarchy[i]->tag)
+        if (!is_text(s.hierarchy[i]->tag, asked.tag))
             continue;
-        const tidl_yfw_datatree *holder = config ? child(s.hierarchy[i], "config") : s.hierarchy[i];
+        const tidl_yfw_datatree *holder =
+            asked.config ? child(s.hierarchy[i], "config") : s.hierarchy[i];
         if (const tidl_yfw_datatree *leaf = child(holder, key_name))
             *value_out = leaf->value;
         break;
@@ -180,7 +204,9 @@ int yfw_map_is_request_add(yfw_map_ctx *ctx, const tidl_yfw_datatree *node) {
     return !yfw_map_is_read_kind(ctx->state->request->request_kind) && !is_delete(node) ? 1 : 0;
 }
 int yfw_map_do_these_match(const char *a, const char *b) {
-    return a != nullptr && b != nullptr && std::strcmp(a, b) == 0 ? 1 : 0;
+    if (a == nullptr || b == nullptr)
+        return 0;
+    return a == b || (a[0] == b[0] && std::strcmp(a, b) == 0) ? 1 : 0;
 }
 cerrno yfw_map_check_oc_leafref(yfw_map_ctx *, const char *, const char *,
                                 const tidl_yfw_datatree *, const tidl_yfw_datatree *) {

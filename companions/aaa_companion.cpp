@@ -273,11 +273,11 @@ cerrno oc_key(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
 // further config leaf when given. Leaves whose tag does not begin with `takes`
 // have no counterpart and add nothing.
 cerrno qv_key(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
-              tidl_yfw_datatree *out, const char *entry, const char *key,
+              tidl_yfw_datatree *out, std::string_view entry, std::string_view key,
               std::string_view takes = {}, const char *leaf = nullptr,
               const char *leaf_value = nullptr) {
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
-        if (!text(node->tag).starts_with(takes))
+        if (!begins(node->tag, takes))
             return YFW_SUCCESS;
         cerrno rc =
             add(ctx, out, {Path(entry, "/", key), NS_OPENCONFIG_SYSTEM, 1}, node->value, nullptr);
@@ -295,7 +295,7 @@ cerrno qv_config(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node
                  tidl_yfw_datatree *out, const char *path, std::string_view takes = {},
                  std::span<const Word> words = {}) {
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
-        if (!text(node->tag).starts_with(takes))
+        if (!begins(node->tag, takes))
             return YFW_SUCCESS;
         return write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, path, nullptr,
                             to_oc_word(words, node->value));

@@ -47,6 +47,12 @@ inline bool read_kind(const yfw_map_ctx *ctx) {
 inline std::string_view text(const char *s) {
     return s != nullptr ? std::string_view(s) : std::string_view();
 }
+// Whether `s` begins with `prefix`, without measuring `s` first.
+inline bool begins(const char *s, std::string_view prefix) {
+    if (prefix.empty())
+        return true;
+    return s != nullptr && std::strncmp(s, prefix.data(), prefix.size()) == 0;
+}
 
 // Refuses a value: the message goes to the client through error_message.
 inline cerrno refuse(yfw_map_ctx *ctx, const char *fn, const char *message) {
@@ -57,9 +63,10 @@ inline cerrno refuse(yfw_map_ctx *ctx, const char *fn, const char *message) {
     return YFW_ERR_BAD_VALUE;
 }
 
-// A path built from pieces on the stack; a slot number is one digit.
+// A path built from pieces on the stack; a slot number is one digit. Only
+// what the pieces fill is written, and the terminator after it.
 struct Path {
-    char text[200] = {};
+    char text[200];
     std::size_t used = 0;
     Path(std::string_view a, std::string_view b, std::string_view c = {}) {
         put(a), put(b), put(c);
@@ -73,10 +80,10 @@ struct Path {
 private:
     void put(std::string_view s) {
         const std::size_t n = std::min(s.size(), sizeof text - 1 - used);
-        if (n == 0) // an empty piece may have no storage at all
-            return;
-        std::memcpy(text + used, s.data(), n);
+        if (n != 0) // an empty piece may have no storage at all
+            std::memcpy(text + used, s.data(), n);
         used += n;
+        text[used] = '\0';
     }
 };
 
