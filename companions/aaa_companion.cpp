@@ -221,7 +221,15 @@ Native record_word(const char *value) {
 // ---- Local users ---------------------------------------------------------------
 
 constexpr const char kUser[] = "/aaa/usernames/username";
+constexpr auto kUserOrderingIndexPath = join(kUser, "/ordering-index");
+constexpr auto kUserName = join(kUser, "/name");
+constexpr auto kUserSecret = join(kUser, "/secret");
+constexpr auto kUserSecretType = join(kUser, "/secret/type");
+constexpr auto kUserGroup = join(kUser, "/usergroup-under-usernames/usergroup-under-username");
+constexpr auto kUserGroupName = join(kUserGroup.text, "/name");
 constexpr const char kOcUser[] = "/system/aaa/authentication/users/user";
+constexpr auto kOcUserPasswordHashed = join(kOcUser, "/config/password-hashed");
+constexpr auto kOcUserRole = join(kOcUser, "/config/role");
 // Users are told apart by name; every user the OpenConfig side writes takes
 // this one ordering index, the same in every request.
 constexpr const char kUserOrderingIndex[] = "0";
@@ -251,8 +259,16 @@ const HashKind &hash_kind(const char *hash) {
 constexpr const char kGroup[] = "/aaa/server-groups/tacacs-server-groups/tacacs-server-group";
 constexpr const char kServer[] =
     "/aaa/server-groups/tacacs-server-groups/tacacs-server-group/private-servers/private-server";
+constexpr auto kGroupName = join(kGroup, "/server-group-name");
+constexpr auto kServerAddress = join(kServer, "/ip-address");
+constexpr auto kServerPort = join(kServer, "/port-number");
+constexpr auto kServerKey = join(kServer, "/key");
+constexpr auto kServerKeyType = join(kServer, "/key/encrypt-type");
+constexpr auto kServerKeySecret = join(kServer, "/key/secret7");
 constexpr const char kOcGroup[] = "/system/aaa/server-groups/server-group";
 constexpr const char kOcServer[] = "/system/aaa/server-groups/server-group/servers/server";
+constexpr auto kOcServerPort = join(kOcServer, "/tacacs/config/port");
+constexpr auto kOcServerSecret = join(kOcServer, "/tacacs/config/secret-key");
 // An OpenConfig secret comes in clear; the device keeps it encrypted itself.
 constexpr const char kClearKey[] = "0";
 
@@ -269,23 +285,37 @@ cerrno oc_key(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
     });
 }
 
-// A native leaf answered as an OpenConfig key with its config twin, and a
-// further config leaf when given. Leaves whose tag does not begin with `takes`
-// have no counterpart and add nothing.
+// An OpenConfig key leaf, its config twin, and a further config leaf with its
+// value when there is one.
+struct OcKey {
+    const char *key;
+    const char *config;
+    const char *leaf = nullptr;
+    const char *leaf_value = nullptr;
+};
+constexpr auto kOcUserName = join(kOcUser, "/username");
+constexpr auto kOcUserConfigName = join(kOcUser, "/config/username");
+constexpr OcKey kOcUserKey = {kOcUserName, kOcUserConfigName};
+constexpr auto kOcGroupName = join(kOcGroup, "/name");
+constexpr auto kOcGroupConfigName = join(kOcGroup, "/config/name");
+constexpr auto kOcGroupType = join(kOcGroup, "/config/type");
+// Every native group is a TACACS group.
+constexpr OcKey kOcGroupKey = {kOcGroupName, kOcGroupConfigName, kOcGroupType, kServerTypes[0].oc};
+constexpr auto kOcServerAddress = join(kOcServer, "/address");
+constexpr auto kOcServerConfigAddress = join(kOcServer, "/config/address");
+constexpr OcKey kOcServerKey = {kOcServerAddress, kOcServerConfigAddress};
+
+// A native leaf answered as an OpenConfig key. Leaves whose tag does not begin
+// with `takes` have no counterpart and add nothing.
 cerrno qv_key(yfw_map_ctx *ctx, const char *fn, const tidl_yfw_datatree *node,
-              tidl_yfw_datatree *out, std::string_view entry, std::string_view key,
-              std::string_view takes = {}, const char *leaf = nullptr,
-              const char *leaf_value = nullptr) {
+              tidl_yfw_datatree *out, const OcKey &k, std::string_view takes = {}) {
     return framed(ctx, fn, node != nullptr && out != nullptr, [&] {
         if (!begins(node->tag, takes))
             return YFW_SUCCESS;
-        cerrno rc =
-            add(ctx, out, {Path(entry, "/", key), NS_OPENCONFIG_SYSTEM, 1}, node->value, nullptr);
-        rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, Path(entry, "/config/", key), nullptr,
-                          node->value);
-        if (leaf != nullptr)
-            rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, Path(entry, leaf), nullptr,
-                              leaf_value);
+        cerrno rc = add(ctx, out, {k.key, NS_OPENCONFIG_SYSTEM, 1}, node->value, nullptr);
+        rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, k.config, nullptr, node->value);
+        if (k.leaf != nullptr)
+            rc = write_answer(ctx, out, NS_OPENCONFIG_SYSTEM, k.leaf, nullptr, k.leaf_value);
         return rc;
     });
 }
@@ -460,10 +490,9 @@ cerrno oc_name_orderingIndex(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
         if (names_no_entry(ctx, node))
             return YFW_SUCCESS;
         // A read selects the user by name, whatever index the device gave it.
-        write_key(ctx, out_tree, {Path(kUser, "/ordering-index"), NS_AAA_LOCALD_CFG, 1, 1}, node,
+        write_key(ctx, out_tree, {kUserOrderingIndexPath, NS_AAA_LOCALD_CFG, 1, 1}, node,
                   read_kind(ctx) ? nullptr : kUserOrderingIndex);
-        return write_key(ctx, out_tree, {Path(kUser, "/name"), NS_AAA_LOCALD_CFG, 1, 1}, node,
-                         node->value);
+        return write_key(ctx, out_tree, {kUserName, NS_AAA_LOCALD_CFG, 1, 1}, node, node->value);
     });
 }
 
@@ -472,11 +501,10 @@ cerrno oc_usernameSecret(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
         // A delete does not tell the kind of hash: the whole secret goes.
         if (!read_kind(ctx) && yfw_map_is_request_delete(node))
-            return add(ctx, out_tree, {Path(kUser, "/secret"), NS_AAA_LOCALD_CFG, 0, 1}, nullptr,
-                       node);
+            return add(ctx, out_tree, {kUserSecret, NS_AAA_LOCALD_CFG, 0, 1}, nullptr, node);
         const HashKind &k = hash_kind(node->value);
-        write_leaf(ctx, __func__, out_tree, {Path(kUser, "/secret/type"), NS_AAA_LOCALD_CFG, 0, 1},
-                   node, [](const char *v) {
+        write_leaf(ctx, __func__, out_tree, {kUserSecretType, NS_AAA_LOCALD_CFG, 0, 1}, node,
+                   [](const char *v) {
                        return Native{Native::Set, hash_kind(v).type};
                    });
         return write_leaf(ctx, __func__, out_tree,
@@ -488,30 +516,27 @@ cerrno oc_usernameSecret(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
 cerrno oc_authen_user_role(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                            tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
-        const Path group(kUser, "/usergroup-under-usernames/usergroup-under-username");
-        add(ctx, out_tree, {group, NS_AAA_LOCALD_CFG, 1, 1}, nullptr,
+        add(ctx, out_tree, {kUserGroup, NS_AAA_LOCALD_CFG, 1, 1}, nullptr,
             read_kind(ctx) ? nullptr : node);
         const char *name = node->value != nullptr ? to_native_word(kRoles, node->value) : nullptr;
-        return add(ctx, out_tree, {Path(group.text, "/name"), NS_AAA_LOCALD_CFG, 1, 1}, name,
-                   nullptr);
+        return add(ctx, out_tree, {kUserGroupName, NS_AAA_LOCALD_CFG, 1, 1}, name, nullptr);
     });
 }
 
 // The ordering index has no OpenConfig counterpart and is dropped.
 cerrno qv_username(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree) {
-    return qv_key(ctx, __func__, node, out_tree, kOcUser, "username", "name");
+    return qv_key(ctx, __func__, node, out_tree, kOcUserKey, "name");
 }
 
 // The type leaf only tells the kind of hash, which the hash itself carries.
 cerrno qv_authenUserPasswdHashed(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                                  tidl_yfw_datatree *out_tree) {
-    return qv_config(ctx, __func__, node, out_tree, Path(kOcUser, "/config/password-hashed"),
-                     "secret");
+    return qv_config(ctx, __func__, node, out_tree, kOcUserPasswordHashed, "secret");
 }
 
 cerrno qv_authen_user_role(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                            tidl_yfw_datatree *out_tree) {
-    return qv_config(ctx, __func__, node, out_tree, Path(kOcUser, "/config/role"), {}, kRoles);
+    return qv_config(ctx, __func__, node, out_tree, kOcUserRole, {}, kRoles);
 }
 
 // ---- TACACS server groups ---------------------------------------------------------
@@ -522,8 +547,7 @@ cerrno oc_serverType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_d
         if (text(node->tag) != "type" && names_no_entry(ctx, node))
             return YFW_SUCCESS;
         if (text(node->tag) != "type")
-            return write_key(ctx, out_tree,
-                             {Path(kGroup, "/server-group-name"), NS_AAA_TACACS_CFG, 1, 1}, node,
+            return write_key(ctx, out_tree, {kGroupName, NS_AAA_TACACS_CFG, 1, 1}, node,
                              node->value);
         if (read_kind(ctx) || yfw_map_is_request_delete(node) ||
             text(to_native_word(kServerTypes, node->value)) != "radius")
@@ -534,52 +558,47 @@ cerrno oc_serverType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, tidl_yfw_d
 
 cerrno oc_ipaddress_servType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                              tidl_yfw_datatree *out_tree) {
-    return oc_key(ctx, __func__, node, out_tree, Path(kServer, "/ip-address"), NS_AAA_TACACS_CFG);
+    return oc_key(ctx, __func__, node, out_tree, kServerAddress, NS_AAA_TACACS_CFG);
 }
 
 // The private server list is keyed by address and port alone: no ordering
 // index is written.
 cerrno oc_privServPortOrderingIndex(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                                     tidl_yfw_datatree *out_tree) {
-    return oc_key(ctx, __func__, node, out_tree, Path(kServer, "/port-number"), NS_AAA_TACACS_CFG);
+    return oc_key(ctx, __func__, node, out_tree, kServerPort, NS_AAA_TACACS_CFG);
 }
 
 cerrno oc_tacacsServerSecretKey(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                                 tidl_yfw_datatree *out_tree) {
     return framed(ctx, __func__, node != nullptr && out_tree != nullptr, [&] {
-        const Path key(kServer, "/key");
         if (!read_kind(ctx) && yfw_map_is_request_delete(node))
-            return add(ctx, out_tree, {key, NS_AAA_TACACS_CFG, 0, 1}, nullptr, node);
-        write_leaf(ctx, __func__, out_tree,
-                   {Path(key.text, "/encrypt-type"), NS_AAA_TACACS_CFG, 0, 1}, node,
+            return add(ctx, out_tree, {kServerKey, NS_AAA_TACACS_CFG, 0, 1}, nullptr, node);
+        write_leaf(ctx, __func__, out_tree, {kServerKeyType, NS_AAA_TACACS_CFG, 0, 1}, node,
                    clear_key_type);
-        return write_leaf(ctx, __func__, out_tree,
-                          {Path(key.text, "/secret7"), NS_AAA_TACACS_CFG, 0, 1}, node, unchanged);
+        return write_leaf(ctx, __func__, out_tree, {kServerKeySecret, NS_AAA_TACACS_CFG, 0, 1},
+                          node, unchanged);
     });
 }
 
 cerrno qv_serverGroupType(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                           tidl_yfw_datatree *out_tree) {
-    // Every native group is a TACACS group.
-    return qv_key(ctx, __func__, node, out_tree, kOcGroup, "name", {}, "/config/type",
-                  kServerTypes[0].oc);
+    return qv_key(ctx, __func__, node, out_tree, kOcGroupKey);
 }
 
 cerrno qv_servAddress(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                       tidl_yfw_datatree *out_tree) {
-    return qv_key(ctx, __func__, node, out_tree, kOcServer, "address");
+    return qv_key(ctx, __func__, node, out_tree, kOcServerKey);
 }
 
 cerrno qv_tacacs_port(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                       tidl_yfw_datatree *out_tree) {
-    return qv_config(ctx, __func__, node, out_tree, Path(kOcServer, "/tacacs/config/port"));
+    return qv_config(ctx, __func__, node, out_tree, kOcServerPort);
 }
 
 // The encryption type stays on the device; the secret comes back as it is kept.
 cerrno qv_tacacsPrivServerKey(yfw_map_ctx *ctx, const tidl_yfw_datatree *node,
                               tidl_yfw_datatree *out_tree) {
-    return qv_config(ctx, __func__, node, out_tree, Path(kOcServer, "/tacacs/config/secret-key"),
-                     "secret");
+    return qv_config(ctx, __func__, node, out_tree, kOcServerSecret, "secret");
 }
 
 } // extern "C"

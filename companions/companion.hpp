@@ -47,11 +47,12 @@ inline bool read_kind(const yfw_map_ctx *ctx) {
 inline std::string_view text(const char *s) {
     return s != nullptr ? std::string_view(s) : std::string_view();
 }
-// Whether `s` begins with `prefix`, without measuring `s` first.
+// Whether `s` begins with `prefix`, without measuring `s` first; a differing
+// first letter settles it without a call.
 inline bool begins(const char *s, std::string_view prefix) {
     if (prefix.empty())
         return true;
-    return s != nullptr && std::strncmp(s, prefix.data(), prefix.size()) == 0;
+    return s != nullptr && s[0] == prefix[0] && std::strncmp(s, prefix.data(), prefix.size()) == 0;
 }
 
 // Refuses a value: the message goes to the client through error_message.
@@ -86,6 +87,18 @@ private:
         text[used] = '\0';
     }
 };
+
+// A path joined from constant pieces when the program is compiled.
+template <std::size_t N> struct Joined {
+    char text[N] = {};
+    constexpr operator const char *() const { return text; }
+};
+template <std::size_t... N> constexpr auto join(const char (&...pieces)[N]) {
+    Joined<(N + ...) - sizeof...(N) + 1> out;
+    std::size_t used = 0;
+    ((std::copy_n(pieces, N - 1, out.text + used), used += N - 1), ...);
+    return out;
+}
 
 // A path of the output model and how it is added.
 struct Target {
