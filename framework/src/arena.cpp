@@ -223,7 +223,9 @@ struct Arena::Impl {
     Impl &operator=(const Impl &) = delete;
     ~Impl();
 
-    detail::Block &new_block(const tidl_yfw_datatree *parent, uint32_t capacity);
+    // `holder`: the block whose array holds `parent`, null when none does.
+    detail::Block &new_block(const tidl_yfw_datatree *parent, detail::Block *holder,
+                             uint32_t capacity);
     // Points `block` at a zeroed array of `capacity` (a power of two) slots.
     void allocate(detail::Block &block, uint32_t capacity);
     // `to_system`: a slab left without arrays goes back to the system at once.
@@ -348,7 +350,6 @@ void grow(Block &block, uint32_t live, uint32_t needed) {
     block.arena->allocate(block, grown_capacity(needed));
     std::copy_n(old, live, block.nodes);
     block.arena->release(old, old_capacity);
-    fix_parents(block, 0, live);
 }
 
 } // namespace
@@ -386,19 +387,31 @@ Block *block_containing(const tidl_yfw_datatree *node) {
     return block != nullptr && inside(node, block->nodes, block->capacity) ? block : nullptr;
 }
 
+namespace {
+// The arrays a walk asked for last, and those made last, which it asks for
+// next. A block outlives its arrays, so a remembered one holds while no arena
+// has ended and it still starts there.
+struct Seen {
+    const tidl_yfw_datatree *array = nullptr;
+    Block *block = nullptr;
+    uint64_t arenas_ended = 0;
+};
+std::array<Seen, 64> seen_arrays;
+
+Seen &seen_slot(const tidl_yfw_datatree *array) {
+    // Arrays hold two nodes at least: the bits below tell none apart.
+    return seen_arrays[(reinterpret_cast<std::uintptr_t>(array) >> 7) % seen_arrays.size()];
+}
+
+void remember_array(Block &block) {
+    seen_slot(block.nodes) = {block.nodes, &block, arenas_ended};
+}
+} // namespace
+
 Block *block_starting_at(const tidl_yfw_datatree *array) {
-    // A walk asks for the same few arrays again and again. A block outlives
-    // its arrays, so a remembered one holds while no arena has ended and it
-    // still starts there.
-    struct Seen {
-        const tidl_yfw_datatree *array = nullptr;
-        Block *block = nullptr;
-        uint64_t arenas_ended = 0;
-    };
     if (array == nullptr)
         return nullptr;
-    static std::array<Seen, 32> seen;
-    Seen &slot = seen[(reinterpret_cast<std::uintptr_t>(array) >> 6) % seen.size()];
+    Seen &slot = seen_slot(array);
     if (slot.array == array && slot.arenas_ended == arenas_ended && slot.block->nodes == array)
         return slot.block;
     Block *block = block_containing(array);
@@ -424,7 +437,7 @@ void fix_parents(Block &block, uint32_t from, uint32_t to) {
     for (uint32_t i = from; i < to; ++i) {
         const tidl_yfw_datatree &node = block.nodes[i];
         if (Block *below = node.present_subtrees ? block_starting_at(node.subtrees) : nullptr)
-            below->parent = &node;
+            below->set_parent(&node, &block);
     }
 }
 
@@ -437,7 +450,8 @@ Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home) {
     // A caller's own array: copy it into an arena array that can grow.
     Block *holder = block_containing(parent);
     Arena::Impl &arena = holder != nullptr ? *holder->arena : home;
-    Block &block = arena.new_block(parent, grown_capacity(static_cast<uint32_t>(kids.size())));
+    Block &block =
+        arena.new_block(parent, holder, grown_capacity(static_cast<uint32_t>(kids.size())));
     note_reshape();
     std::copy(kids.begin(), kids.end(), block.nodes);
     fix_parents(block, 0, static_cast<uint32_t>(kids.size()));
@@ -451,7 +465,7 @@ Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool externa
     if (block == nullptr) {
         Block *holder = block_containing(parent);
         Arena::Impl &arena = holder != nullptr ? *holder->arena : home;
-        block = &arena.new_block(parent, grown_capacity(1));
+        block = &arena.new_block(parent, holder, grown_capacity(1));
     } else if (live == block->capacity) {
         grow(*block, live, live + 1);
     }
@@ -654,6 +668,7 @@ void Arena::Impl::allocate(detail::Block &block, uint32_t capacity) {
     std::fill_n(slab->owner.get() + (nodes - slab->nodes.get()), capacity, block.index + 1);
     block.nodes = nodes;
     block.capacity = capacity;
+    detail::remember_array(block);
 }
 
 void Arena::Impl::release(tidl_yfw_datatree *nodes, uint32_t capacity, bool to_system) {
@@ -683,12 +698,13 @@ void Arena::Impl::let_go(detail::Slab &slab, bool to_system) {
     }
 }
 
-detail::Block &Arena::Impl::new_block(const tidl_yfw_datatree *parent, uint32_t capacity) {
+detail::Block &Arena::Impl::new_block(const tidl_yfw_datatree *parent, detail::Block *holder,
+                                      uint32_t capacity) {
     if (blocks.size() >= UINT32_MAX)
         detail::fail_assert("too many node arrays");
     detail::Block &block = blocks.emplace_back();
     block.index = static_cast<uint32_t>(blocks.size() - 1);
-    block.parent = parent;
+    block.set_parent(parent, holder);
     block.arena = this;
     allocate(block, detail::grown_capacity(capacity));
     return block;
@@ -706,7 +722,7 @@ char *Arena::copy(std::string_view text) {
 }
 
 tidl_yfw_datatree *Arena::new_root() {
-    tidl_yfw_datatree *root = impl_->new_block(nullptr, 1).nodes;
+    tidl_yfw_datatree *root = impl_->new_block(nullptr, nullptr, 1).nodes;
     *root = tidl_yfw_datatree{};
     return root;
 }
@@ -735,7 +751,7 @@ void release_kept_memory() {
 
 const tidl_yfw_datatree *parent_of(const tidl_yfw_datatree *node) {
     const detail::Block *block = node != nullptr ? detail::block_containing(node) : nullptr;
-    return block != nullptr ? block->parent : nullptr;
+    return block != nullptr ? block->parent() : nullptr;
 }
 
 int32_t effective_operation(const tidl_yfw_datatree *node) {

@@ -353,11 +353,27 @@ struct Lookups {
 struct Block {
     tidl_yfw_datatree *nodes = nullptr;
     uint32_t capacity = 0;
-    uint32_t index = 0;                        // among the blocks of its arena
-    const tidl_yfw_datatree *parent = nullptr; // null for a root
+    uint32_t index = 0; // among the blocks of its arena
+    // The parent by its place in an arena array, which holds when that array
+    // moves: a growing array leaves the arrays below it alone. A parent in no
+    // arena array is held by its address; null for a root.
+    Block *parent_block = nullptr;
+    uint32_t parent_at = 0;
+    const tidl_yfw_datatree *outside_parent = nullptr;
     Arena::Impl *arena = nullptr;
     Lookups *lookups = nullptr; // the arena's; most arrays never need one
 
+    const tidl_yfw_datatree *parent() const {
+        if (parent_block == nullptr)
+            return outside_parent;
+        return parent_block->nodes != nullptr ? parent_block->nodes + parent_at : nullptr;
+    }
+    // `holder` is the block whose array holds `node`, null when none does.
+    void set_parent(const tidl_yfw_datatree *node, Block *holder) {
+        parent_block = holder;
+        parent_at = holder != nullptr ? static_cast<uint32_t>(node - holder->nodes) : 0;
+        outside_parent = holder != nullptr ? nullptr : node;
+    }
     Lookups &lookup();
     bool tag_indexed() const { return lookups != nullptr && lookups->tag_index_built; }
     void forget_lookups();
@@ -391,7 +407,8 @@ void remove_child(tidl_yfw_datatree *parent, uint32_t pos);
 void release_children(tidl_yfw_datatree *node);
 // Makes sure the children of `parent` sit in an arena block, and returns it (null when none).
 Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home);
-// After nodes were copied into slots [from, to) of `block`: their arrays get the new parent.
+// After nodes were copied or shifted into slots [from, to) of `block`: their arrays get the new
+// parent.
 void fix_parents(Block &block, uint32_t from, uint32_t to);
 
 // The nodes that the last add went through, for the next add on the same

@@ -60,7 +60,7 @@ const tidl_yfw_datatree *holder_of(const yfw_map_session &session, const tidl_yf
     if (nodes == nullptr)
         return nullptr;
     if (const Block *block = block_starting_at(nodes))
-        return block->parent;
+        return block->parent();
     for (std::size_t i = session.hierarchy.size(); i-- > 0;) {
         const tidl_yfw_datatree *node = session.hierarchy[i].node;
         if (node->present_subtrees && node->subtrees == nodes)

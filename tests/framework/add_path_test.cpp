@@ -427,6 +427,7 @@ TEST(AddPath, MergeFromTheMiddleOfAWideList) {
     for (int i = 0; i < 20; ++i)
         add("/system/dns/servers/server/address", std::to_string(i).c_str(), 1);
     add("/system/dns/servers/server", nullptr, 1);
+    add("/system/dns/servers/holder/inner", "h", 0);
     add("/system/dns/servers/extra", "x", 0);
     add("/system/dns/servers/server/config/port", "53", 0);
     add("/system/dns/servers/server/address", "3", 1);
@@ -436,11 +437,13 @@ TEST(AddPath, MergeFromTheMiddleOfAWideList) {
     add("/system/dns/servers/server/config/port", "1", 0);
 
     const tidl_yfw_datatree &servers = session.output()->subtrees[0].subtrees[0].subtrees[0];
-    ASSERT_EQ(servers.subtree_count, 21u);
+    ASSERT_EQ(servers.subtree_count, 22u);
     EXPECT_EQ(fwtest::tree_text(servers.subtrees[3]),
               "server{address=3 config{port=53} state{port=54}}");
     EXPECT_EQ(fwtest::tree_text(servers.subtrees[19]), "server{address=19 config{port=1}}");
-    EXPECT_EQ(fwtest::tree_text(servers.subtrees[20]), "extra=y");
+    EXPECT_EQ(fwtest::tree_text(servers.subtrees[21]), "extra=y");
+    // A node that moved down keeps its children.
+    EXPECT_EQ(yfw::parent_of(servers.subtrees[20].subtrees), &servers.subtrees[20]);
 }
 
 // The adds of one walk reuse the nodes of the previous add; what a host does
