@@ -459,11 +459,24 @@ Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home) {
     return &block;
 }
 
+namespace {
+// The array appended to last: a first child is most often made below a node
+// that was just made.
+Seen last_appended;
+
+Block *holder_of(const tidl_yfw_datatree *node) {
+    if (last_appended.block != nullptr && last_appended.arenas_ended == arenas_ended &&
+        inside(node, last_appended.block->nodes, last_appended.block->capacity))
+        return last_appended.block;
+    return block_containing(node);
+}
+} // namespace
+
 Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external) {
     Block *block = own_children(parent, home);
     const uint32_t live = block != nullptr ? parent->subtree_count : 0;
     if (block == nullptr) {
-        Block *holder = block_containing(parent);
+        Block *holder = holder_of(parent);
         Arena::Impl &arena = holder != nullptr ? *holder->arena : home;
         block = &arena.new_block(parent, holder, grown_capacity(1));
     } else if (live == block->capacity) {
@@ -476,6 +489,7 @@ Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool externa
     tidl_yfw_datatree *child = &block->nodes[live];
     *child = tidl_yfw_datatree{};
     yfw_dt_set_subtrees(parent, block->nodes, live + 1);
+    last_appended = {block->nodes, block, arenas_ended};
     return {child, block};
 }
 
