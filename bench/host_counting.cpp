@@ -203,10 +203,10 @@ int yfw_map_is_request_delete(const tidl_yfw_datatree *node) {
 int yfw_map_is_request_add(yfw_map_ctx *ctx, const tidl_yfw_datatree *node) {
     return !yfw_map_is_read_kind(ctx->state->request->request_kind) && !is_delete(node) ? 1 : 0;
 }
+// The library mostly asks once the first letters agree: the comparison alone
+// decides.
 int yfw_map_do_these_match(const char *a, const char *b) {
-    if (a == nullptr || b == nullptr)
-        return 0;
-    return a == b || (a[0] == b[0] && std::strcmp(a, b) == 0) ? 1 : 0;
+    return a != nullptr && b != nullptr && std::strcmp(a, b) == 0 ? 1 : 0;
 }
 cerrno yfw_map_check_oc_leafref(yfw_map_ctx *, const char *, const char *,
                                 const tidl_yfw_datatree *, const tidl_yfw_datatree *) {
