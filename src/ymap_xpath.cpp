@@ -1,6 +1,7 @@
 // The table forms of list and leaf mappers, on the one primitive.
 #include "ymap_xpath.hpp"
 
+#include <cstddef>
 #include <cstring>
 
 namespace ymap {
@@ -10,18 +11,16 @@ const char *xpath_node_value(const tidl_yfw_datatree *node) {
 }
 
 SelectedRows::SelectedRows(const XpathTable &table, yfw_map_ctx *ctx) : real_(table.real_rows) {
-    // A field's bytes past its terminator are left as they are: the copy is
-    // made per call and most of each row is unused space.
+    // A text field's bytes past its terminator are left as they are: the copy
+    // is made per call and most of each row is unused space. The namespace,
+    // the words between and the second path are one stretch of the record.
+    constexpr std::size_t kMiddle = offsetof(xpath_list_type_t, second_xpath);
+    constexpr std::size_t kNs = offsetof(xpath_list_type_t, namespace_);
     for (uint32_t i = 0; i <= real_; ++i) {
-        const xpath_list_type_t &from = table.rows[i];
-        xpath_list_type_t &to = rows_[i];
-        const TextSizes &size = table.sizes[i];
-        std::memcpy(to.xpath, from.xpath, size.xpath);
-        std::memcpy(to.namespace_, from.namespace_, size.ns);
-        to.value_fn = from.value_fn;
-        to.selected = from.selected;
-        to.augment_flag = from.augment_flag;
-        std::memcpy(to.second_xpath, from.second_xpath, size.second);
+        const auto *from = reinterpret_cast<const char *>(&table.rows[i]);
+        auto *to = reinterpret_cast<char *>(&rows_[i]);
+        std::memcpy(to, from, table.sizes[i].xpath);
+        std::memcpy(to + kNs, from + kNs, kMiddle - kNs + table.sizes[i].second);
     }
     callback_status_ = table.callback(ctx, static_cast<int32_t>(real_), rows_.data());
 }

@@ -20,11 +20,10 @@ inline constexpr std::size_t kMaxTableRows = 5;
 inline constexpr const char kNullPath[] = "NULL";
 inline constexpr const char kNonePath[] = "None";
 
-// The bytes of a row's texts, terminators included: what the stack copy takes
-// of each field, the rest of a field being beyond its text.
+// The bytes of a row's paths, terminators included: what the stack copy takes
+// of each, the rest of a field being beyond its text.
 struct TextSizes {
     uint16_t xpath;
-    uint16_t ns;
     uint16_t second;
 };
 
@@ -91,7 +90,7 @@ text_sizes(const std::array<xpath_list_type_t, N> &rows) {
     };
     std::array<TextSizes, kMaxTableRows> out{};
     for (std::size_t i = 0; i < N && i < kMaxTableRows; ++i)
-        out[i] = {size(rows[i].xpath), size(rows[i].namespace_), size(rows[i].second_xpath)};
+        out[i] = {size(rows[i].xpath), size(rows[i].second_xpath)};
     return out;
 }
 
