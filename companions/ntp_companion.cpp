@@ -62,12 +62,19 @@ cerrno select_rows(yfw_map_ctx *ctx, const char *fn, int32_t count, xpath_list_t
             if (only == Neither && !both)
                 return YFW_SUCCESS; // nothing to write; the address leaf refuses it
         }
-        for (int32_t i = 0; i < count; ++i) {
-            const bool pick = only != Neither ? i == only : i <= Ipv6 || kind(ctx) == KIND_GET;
-            rows[i].selected = pick ? 1u : rows[i].selected;
-            if (pick && value_fn != nullptr)
+        const auto pick = [&](int32_t i) {
+            rows[i].selected = 1u;
+            if (value_fn != nullptr)
                 rows[i].value_fn = value_fn;
+        };
+        if (only != Neither) { // the family's own row alone
+            if (only < count)
+                pick(only);
+            return YFW_SUCCESS;
         }
+        for (int32_t i = 0; i < count; ++i)
+            if (i <= Ipv6 || kind(ctx) == KIND_GET)
+                pick(i);
         return YFW_SUCCESS;
     });
 }
