@@ -251,8 +251,15 @@ struct SlabIndex {
     std::vector<std::pair<std::uintptr_t, Slab *>> by_start;
     // The slabs found last, most recent first: the input tree's, the output's.
     std::array<Slab *, 4> recent{};
+    // The stretch between two slabs where the last miss fell: a host's own
+    // tree lies there, node after node. Empty once slabs come or go.
+    std::uintptr_t gap_from = 0;
+    std::uintptr_t gap_to = 0;
 
     Slab *find(const tidl_yfw_datatree *node) {
+        const auto at = reinterpret_cast<std::uintptr_t>(node);
+        if (at - gap_from < gap_to - gap_from)
+            return nullptr;
         for (std::size_t i = 0; i < recent.size(); ++i) {
             Slab *slab = recent[i];
             if (slab != nullptr && inside(node, slab->nodes.get(), slab->capacity)) {
@@ -261,14 +268,20 @@ struct SlabIndex {
                 return slab;
             }
         }
-        const auto at = reinterpret_cast<std::uintptr_t>(node);
         auto it =
             std::ranges::upper_bound(by_start, at, {}, &std::pair<std::uintptr_t, Slab *>::first);
-        if (it == by_start.begin())
+        const std::uintptr_t next = it == by_start.end() ? UINTPTR_MAX : it->first;
+        if (it == by_start.begin()) {
+            gap_from = 0;
+            gap_to = next;
             return nullptr;
+        }
         Slab *slab = std::prev(it)->second;
-        if (!inside(node, slab->nodes.get(), slab->capacity))
+        if (!inside(node, slab->nodes.get(), slab->capacity)) {
+            gap_from = std::prev(it)->first + slab->capacity * sizeof(tidl_yfw_datatree);
+            gap_to = next;
             return nullptr;
+        }
         std::rotate(recent.begin(), recent.end() - 1, recent.end());
         recent[0] = slab;
         return slab;
@@ -278,6 +291,7 @@ struct SlabIndex {
         auto it = std::ranges::upper_bound(by_start, start, {},
                                            &std::pair<std::uintptr_t, Slab *>::first);
         by_start.insert(it, {start, &slab});
+        gap_from = gap_to = 0;
     }
     void remove(const Slab &slab) {
         const auto start = reinterpret_cast<std::uintptr_t>(slab.nodes.get());
@@ -286,6 +300,7 @@ struct SlabIndex {
         if (it != by_start.end() && it->first == start)
             by_start.erase(it);
         std::ranges::replace(recent, &slab, nullptr);
+        gap_from = gap_to = 0;
     }
 };
 
