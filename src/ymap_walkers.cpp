@@ -91,17 +91,22 @@ struct Classified {
 // State-only children, and every child of a walker that dispatches only in
 // KIND_GET, are known only in KIND_GET; otherwise their tag falls through as
 // if unknown.
-Classified classify(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree &node) {
-    if (node.tag == nullptr)
-        return {ChildClass::NoTag};
+// `c` is the schema child of the node's tag, or null.
+Classified classify_found(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree &node,
+                          const Child *c) {
     const bool get = request_kind(ctx) == KIND_GET;
-    const Child *c = find_child(row, node.tag);
     if (c != nullptr && ((c->flags & kStateOnly) == 0 || get) &&
         ((row.flags & kGetOnly) == 0 || get))
         return {ChildClass::Known, c};
     if ((row.flags & kNoOwnNsTest) == 0 && text_equal(node.namespace_, row.ns))
         return {ChildClass::OwnUnknown};
     return {ChildClass::Foreign};
+}
+
+Classified classify(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree &node) {
+    if (node.tag == nullptr)
+        return {ChildClass::NoTag};
+    return classify_found(row, ctx, node, find_child(row, node.tag));
 }
 
 // An own-namespace tag with no mapping: a native answer drops it, and so does
@@ -155,11 +160,25 @@ cerrno visit(const WalkerRow &row, yfw_map_ctx *ctx, const Classified &cls,
 }
 
 // The children named under a container, in array order, until one fails.
+// They come mostly in schema order, so the schema child after the one found
+// last is tried first; a row's tags are unique, so the match is the same.
 cerrno visit_children(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *items,
                       uint32_t count, tidl_yfw_datatree *out_tree) {
     cerrno status = YFW_SUCCESS;
-    for (uint32_t i = 0; i < count && status == YFW_SUCCESS; ++i)
-        status = visit(row, ctx, classify(row, ctx, items[i]), &items[i], out_tree);
+    const Child *likely = row.children.data();
+    const Child *const past = likely + row.children.size();
+    for (uint32_t i = 0; i < count && status == YFW_SUCCESS; ++i) {
+        const char *tag = items[i].tag;
+        Classified cls{ChildClass::NoTag};
+        if (tag != nullptr) {
+            const Child *c =
+                likely != past && same_tag(tag, likely->tag) ? likely : find_child(row, tag);
+            if (c != nullptr)
+                likely = c + 1;
+            cls = classify_found(row, ctx, items[i], c);
+        }
+        status = visit(row, ctx, cls, &items[i], out_tree);
+    }
     return status;
 }
 
