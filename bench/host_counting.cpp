@@ -20,15 +20,24 @@ struct yfw_map_session {
     tidl_yfw_datatree added{}; // what new_node_out receives
     uint64_t adds = 0;
     const tidl_yfw_datatree *hierarchy[kDepth]{};
+    // Each frame's push number: a frame that still has its number has had
+    // nothing below it change.
+    uint64_t pushed[kDepth]{};
+    uint64_t pushes = 0;
     std::size_t depth = 0;
     yfw_map_itree_entry itree[kDepth]{};
     std::size_t itree_size = 0;
     // What a list path asks for, kept by the text's address: the callers pass
     // the same few constant paths entry after entry.
+    // The leaf last found stays the answer while its frame does: an entry's
+    // rows ask for its key one after another.
     struct ListPath {
         const char *source = nullptr;
         std::string_view tag;
         bool config = false;
+        const tidl_yfw_datatree *leaf = nullptr;
+        std::size_t at = 0;
+        uint64_t pushed = 0;
     };
     ListPath list_paths[8]{};
 };
@@ -90,14 +99,16 @@ bool is_text(const char *text, std::string_view word) {
            text[word.size()] == '\0';
 }
 
+bool same_text(const char *a, const char *b) {
+    return a != nullptr && b != nullptr && a[0] == b[0] && std::strcmp(a, b) == 0;
+}
+
 const tidl_yfw_datatree *child(const tidl_yfw_datatree *node, const char *tag) {
     if (node == nullptr || !node->present_subtrees || node->subtrees == nullptr)
         return nullptr;
-    for (uint32_t i = 0; i < node->subtree_count; ++i) {
-        const char *t = node->subtrees[i].tag;
-        if (t != nullptr && t[0] == tag[0] && std::strcmp(t, tag) == 0)
+    for (uint32_t i = 0; i < node->subtree_count; ++i)
+        if (same_text(node->subtrees[i].tag, tag))
             return &node->subtrees[i];
-    }
     return nullptr;
 }
 
@@ -135,8 +146,10 @@ cerrno yfw_map_stitch_container_to_list(yfw_map_ctx *ctx, yfw_map_stitch_record 
 
 void yfw_map_add_to_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatree *node, uint32_t) {
     yfw_map_session &s = session_of(ctx);
-    if (s.depth < yfw_map_session::kDepth)
+    if (s.depth < yfw_map_session::kDepth) {
         s.hierarchy[s.depth] = node;
+        s.pushed[s.depth] = ++s.pushes;
+    }
     ++s.depth;
 }
 void yfw_map_remove_from_node_hierarchy(yfw_map_ctx *ctx, const tidl_yfw_datatree *) {
@@ -164,12 +177,21 @@ cerrno yfw_map_get_node_info(yfw_map_ctx *ctx, const char *list_path, const char
     }
     *value_out = nullptr;
     for (std::size_t i = std::min(s.depth, yfw_map_session::kDepth); i-- > 0;) {
+        if (i == asked.at && s.pushed[i] == asked.pushed && asked.leaf != nullptr &&
+            same_text(asked.leaf->tag, key_name)) {
+            *value_out = asked.leaf->value;
+            break;
+        }
         if (!is_text(s.hierarchy[i]->tag, asked.tag))
             continue;
         const tidl_yfw_datatree *holder =
             asked.config ? child(s.hierarchy[i], "config") : s.hierarchy[i];
-        if (const tidl_yfw_datatree *leaf = child(holder, key_name))
+        if (const tidl_yfw_datatree *leaf = child(holder, key_name)) {
             *value_out = leaf->value;
+            asked.leaf = leaf;
+            asked.at = i;
+            asked.pushed = s.pushed[i];
+        }
         break;
     }
     return YFW_SUCCESS;
