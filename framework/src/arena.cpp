@@ -203,6 +203,9 @@ struct Arena::Impl {
         char *copy = nullptr;
     };
     std::array<Recent, 64> recent{};
+    // The terminated text interned last: the namespace of add after add.
+    const char *last_source = nullptr;
+    char *last_copy = nullptr;
 
     // Headers stay put; a released one has no nodes.
     detail::ChunkStore<detail::Block, 4096> blocks;
@@ -584,6 +587,14 @@ char *intern(Arena::Impl &arena, std::string_view text) {
     }
     recent = {text.data(), text.size(), copy};
     return copy;
+}
+
+char *intern(Arena::Impl &arena, const char *text) {
+    // The same pointer may have been filled anew since: the text decides.
+    if (text == arena.last_source && std::strcmp(arena.last_copy, text) == 0)
+        return arena.last_copy;
+    arena.last_source = text;
+    return arena.last_copy = intern(arena, std::string_view(text));
 }
 
 void split_path(std::string_view path, Segments &segments) {

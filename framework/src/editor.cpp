@@ -95,29 +95,48 @@ const char *lasting_text(Arena::Impl &arena, std::string_view text) {
 
 } // namespace
 
-const AddPath &add_path(uintptr_t identity, std::string_view text) {
-    struct Slot {
-        uintptr_t identity = 0;
-        uint64_t used = 0; // when last asked for
-        std::string text;
-        AddPath path;
-    };
-    // Four ways a set, so that the paths of one walk seldom push each other out.
-    static constexpr std::size_t kWays = 4;
-    static std::array<std::array<Slot, kWays>, 64> sets;
-    static uint64_t clock = 0;
-    auto &set = sets[(identity * 0x9e3779b97f4a7c15ull) >> 58];
-    ++clock;
-    // The same pointer may hold another text by now: the text decides.
-    for (Slot &slot : set) {
-        if (slot.identity == identity && slot.text == text) {
-            slot.used = clock;
+namespace {
+struct PathSlot {
+    uintptr_t identity = 0;
+    uint64_t used = 0; // when last asked for
+    std::string text;
+    AddPath path;
+};
+// Four ways a set, so that the paths of one walk seldom push each other out.
+constexpr std::size_t kWays = 4;
+uint64_t path_clock = 0;
+
+std::array<PathSlot, kWays> &path_set(uintptr_t identity) {
+    static std::array<std::array<PathSlot, kWays>, 64> sets;
+    ++path_clock;
+    return sets[(identity * 0x9e3779b97f4a7c15ull) >> 58];
+}
+} // namespace
+
+const AddPath &add_path(const char *text) {
+    const auto identity = reinterpret_cast<uintptr_t>(text);
+    // The same pointer may hold another text by now: the text decides, read
+    // once, without measuring it first.
+    for (PathSlot &slot : path_set(identity)) {
+        if (slot.identity == identity && std::strcmp(slot.text.c_str(), text) == 0) {
+            slot.used = path_clock;
             return slot.path;
         }
     }
-    Slot &slot = *std::ranges::min_element(set, {}, &Slot::used);
+    return add_path(identity, text);
+}
+
+const AddPath &add_path(uintptr_t identity, std::string_view text) {
+    auto &set = path_set(identity);
+    for (PathSlot &slot : set) {
+        if (slot.identity == identity && slot.text == text) {
+            slot.used = path_clock;
+            return slot.path;
+        }
+    }
+    PathSlot &slot = *std::ranges::min_element(set, {}, &PathSlot::used);
     slot.identity = identity;
-    slot.used = clock;
+    slot.used = path_clock;
     slot.text = text;
     AddPath &path = slot.path;
     path.segments.clear();

@@ -62,6 +62,8 @@ struct AddPath {
 // The path for `text`, remembered under `identity` (the caller's pointer, or
 // a mix of pointers for a path given in pieces) and checked against the text.
 const AddPath &add_path(uintptr_t identity, std::string_view text);
+// The same for a terminated text, remembered under its own address.
+const AddPath &add_path(const char *text);
 
 class Editor {
 public:

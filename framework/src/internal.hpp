@@ -432,6 +432,7 @@ struct AddMemo {
 
 // Tags and namespaces: one copy per distinct text in the arena.
 char *intern(Arena::Impl &arena, std::string_view text);
+char *intern(Arena::Impl &arena, const char *text);
 // Values: a copy of their own, as most are met once.
 char *copy_text(Arena::Impl &arena, std::string_view text);
 // The arena that holds `node` in one of its arrays, or null.

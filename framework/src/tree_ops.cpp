@@ -190,7 +190,7 @@ cerrno yfw_map_datatree_add_path_flagged(yfw_map_ctx *ctx, tidl_yfw_datatree *ou
     yfw_map_session *session = session_of(ctx);
     if (session == nullptr || out_tree == nullptr || path == nullptr)
         return YFW_ERR_INVALID_ARGS;
-    const AddPath &segments = add_path(reinterpret_cast<uintptr_t>(path), path);
+    const AddPath &segments = add_path(path);
     if (segments.segments.empty())
         return YFW_ERR_INVALID_ARGS;
     return add_segments(*session, out_tree, segments, namespace_, value, source_node, new_node_out,
