@@ -320,8 +320,9 @@ bool Editor::entry_has(tidl_yfw_datatree *parent, uint32_t at, std::string_view 
 }
 
 ListEntry Editor::current_entry(tidl_yfw_datatree *parent, std::string_view tag,
-                                std::span<const std::string_view> keys, bool fresh) {
-    ListState *list = list_state(parent, tag, keys);
+                                std::span<const std::string_view> keys, bool fresh,
+                                ListState *known) {
+    ListState *list = known != nullptr ? known : list_state(parent, tag, keys);
     if (list != nullptr && list->current != kNone) {
         if (!fresh || !has_keys(&parent->subtrees[list->current], keys))
             return {list->current, list};
@@ -383,14 +384,14 @@ ListEntry Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
     ListState *list = list_state(parent, tag, keys);
     // Its entry is current already: the common case, with no keys to gather.
     if (list != nullptr && list->bound_to == open.serial)
-        return current_entry(parent, tag, keys, false);
+        return current_entry(parent, tag, keys, false, list);
     KeyValues wanted;
     for (std::string_view key : keys) {
         const char *value = open.value_of(key);
         if (value == nullptr) { // another list than the input entry's
             // Its keys stay what they are while it is open, so its next adds
             // take the current entry at once.
-            const ListEntry entry = current_entry(parent, tag, keys, false);
+            const ListEntry entry = current_entry(parent, tag, keys, false, list);
             entry.list->bound_to = open.serial;
             return entry;
         }
@@ -402,7 +403,8 @@ ListEntry Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
         entry = list->current; // formed by the list mapper, its key still to come
     else
         entry = entry_with_keys(parent, tag, keys, wanted.values());
-    list = list_state(parent, tag, keys);
+    if (list == nullptr) // made by the entry
+        list = list_state(parent, tag, keys);
     list->bound_to = open.serial;
     return {entry, list};
 }
@@ -410,9 +412,10 @@ ListEntry Editor::open_entry(tidl_yfw_datatree *parent, std::string_view tag,
 Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
                        std::span<const std::string_view> list_path,
                        std::span<const std::string_view> keys, std::string_view key,
-                       const char *value) {
+                       const char *value, ListState *known) {
     const std::string_view list_tag = list_path.back();
-    ListState &list = *list_state(parent, list_tag, keys); // first: it may move the array
+    // First: it may move the array.
+    ListState &list = known != nullptr ? *known : *list_state(parent, list_tag, keys);
     tidl_yfw_datatree *node = &parent->subtrees[entry];
     tidl_yfw_datatree *leaf = find_child(node, key);
     if (value == nullptr) {
@@ -558,6 +561,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
 
     const uint64_t serial = open != nullptr ? open->serial : 0;
     Placed at{tree, nullptr};
+    ListState *above = nullptr; // the list of the entry `at` is, if it is one
     std::size_t i = 0;
     if (memo != nullptr && memo->tree == tree && memo->reshapes == reshapes) {
         // A level with the same segments above it on the same tree has the
@@ -585,6 +589,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
                 if (*way == How::Bind)
                     list->bound_to = serial;
             }
+            above = level.list;
             at = {&at.node->subtrees[level.position], at.node};
         }
     }
@@ -625,6 +630,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
                     entry.list->bound_to = open->serial;
             }
             at = {&at.node->subtrees[entry.position], at.node};
+            above = entry.list;
             remember(i, way, entry.list);
             continue;
         }
@@ -632,7 +638,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
             seal();
             const Placed key =
                 set_key(at.parent, position(at.parent, at.node), std::span(segments).first(i),
-                        keys_at(i - 1), segment, value);
+                        keys_at(i - 1), segment, value, above);
             // The same entry, keyed: the memo takes the key leaf, for the same key again.
             if (key.parent == at.node && value != nullptr && memo != nullptr &&
                 memo->reshapes == reshapes && remembered == i && i < AddMemo::kLevels) {
@@ -654,6 +660,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
             made_leaf = last;
         }
         at = {next, at.node};
+        above = nullptr;
         remember(i, way, nullptr);
     }
     seal();

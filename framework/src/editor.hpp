@@ -112,17 +112,21 @@ private:
     // Whether child `at` of `parent` is an entry of list `tag` with these keys.
     bool entry_has(tidl_yfw_datatree *parent, uint32_t at, std::string_view tag,
                    std::span<const std::string_view> keys, const KeyValues &values);
+    // `known`, when given, is the list's state, found already.
     ListEntry current_entry(tidl_yfw_datatree *parent, std::string_view tag,
-                            std::span<const std::string_view> keys, bool fresh);
+                            std::span<const std::string_view> keys, bool fresh,
+                            ListState *known = nullptr);
     uint32_t entry_with_keys(tidl_yfw_datatree *parent, std::string_view tag,
                              std::span<const std::string_view> names,
                              std::span<const char *const> values);
     ListEntry open_entry(tidl_yfw_datatree *parent, std::string_view tag,
                          std::span<const std::string_view> keys, const OpenEntry &open);
-    // Sets key `key` of entry `entry` of the list at `list_path`.
+    // Sets key `key` of entry `entry` of the list at `list_path`, whose state
+    // is `known` when found already.
     Placed set_key(tidl_yfw_datatree *parent, uint32_t entry,
                    std::span<const std::string_view> list_path,
-                   std::span<const std::string_view> keys, std::string_view key, const char *value);
+                   std::span<const std::string_view> keys, std::string_view key, const char *value,
+                   ListState *known);
     void merge_children(tidl_yfw_datatree *into, tidl_yfw_datatree *from, std::string &schema);
     tidl_yfw_datatree *merge_target(tidl_yfw_datatree *into, tidl_yfw_datatree *from,
                                     const tidl_yfw_datatree &child);
