@@ -491,7 +491,12 @@ Block *holder_of(const tidl_yfw_datatree *node) {
 } // namespace
 
 Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external) {
-    Block *block = own_children(parent, home);
+    // Leaves come one after another into the same array.
+    const bool again = parent->present_subtrees && parent->subtree_count != 0 &&
+                       parent->subtrees != nullptr && parent->subtrees == last_appended.array &&
+                       last_appended.arenas_ended == arenas_ended &&
+                       last_appended.block->nodes == parent->subtrees;
+    Block *block = again ? last_appended.block : own_children(parent, home);
     const uint32_t live = block != nullptr ? parent->subtree_count : 0;
     if (block == nullptr) {
         Block *holder = holder_of(parent);

@@ -1,6 +1,7 @@
 // What the framework keeps about a walk: the node hierarchy, current list
 // entries, open output lists, the input-tree stack, and the tests on requests.
 #include <algorithm>
+#include <cstring>
 
 #include "internal.hpp"
 
@@ -136,7 +137,7 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
     // resolved to is kept by its pointer, and holds while the text is the same.
     auto &slot =
         session->list_paths[(reinterpret_cast<uintptr_t>(path) >> 3) % session->list_paths.size()];
-    if (slot.source != path || slot.text != path) {
+    if (slot.source != path || std::strcmp(slot.text.c_str(), path) != 0) {
         if (!well_formed_path(path))
             return YFW_ERR_INVALID_ARGS;
         std::string scratch;
@@ -153,7 +154,7 @@ cerrno yfw_map_update_current_list_node(yfw_map_ctx *ctx, const char *path) {
         return YFW_ERR_BAD_TREE;
     // In a walk-all pass the top is an ancestor of the list: nothing to record then.
     const HierarchyFrame &top = session->hierarchy.back();
-    if (top.node->tag == nullptr || slot.last != top.node->tag)
+    if (!is_text(top.node->tag, slot.last))
         return YFW_SUCCESS;
     *slot.record = {session->hierarchy.size() - 1, top.serial};
     return YFW_SUCCESS;
