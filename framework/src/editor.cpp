@@ -594,8 +594,10 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         }
     }
     std::size_t remembered = i;
-    auto remember = [&](std::size_t level, std::optional<How> way, ListState *list) {
-        if (memo != nullptr && remembered == level && way && level < AddMemo::kLevels) {
+    // An entry reached is remembered however it was reached: a later add
+    // takes it only when its own way to the list would lead there too.
+    auto remember = [&](std::size_t level, bool keep, ListState *list) {
+        if (memo != nullptr && remembered == level && keep && level < AddMemo::kLevels) {
             // Field by field: a whole-struct copy through the stack stalls here.
             AddMemo::Level &kept = memo->levels[remembered++];
             kept.segment = segments[level];
@@ -631,7 +633,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
             }
             at = {&at.node->subtrees[entry.position], at.node};
             above = entry.list;
-            remember(i, way, entry.list);
+            remember(i, true, entry.list);
             continue;
         }
         if (last && ends_in_key && at.parent != nullptr) {
@@ -661,7 +663,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         }
         at = {next, at.node};
         above = nullptr;
-        remember(i, way, nullptr);
+        remember(i, way.has_value(), nullptr);
     }
     seal();
     if (value != nullptr && !made_leaf)
