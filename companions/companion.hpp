@@ -22,18 +22,18 @@ namespace companion {
     std::abort();
 }
 
-// Start and End around the body; a null argument is refused before it.
+// Start and End around the body, inlined in every caller; a null argument is refused first.
 template <typename Body>
-cerrno framed(yfw_map_ctx *ctx, const char *fn, bool args_ok, Body &&body) {
+[[gnu::always_inline]] inline cerrno framed(yfw_map_ctx *ctx, const char *fn, bool ok, Body &&run) {
     if (ctx == nullptr)
         null_context(fn);
     YFW_MAP_TRC(ctx, fn, "Start");
-    if (!args_ok) {
+    if (!ok) {
         YFW_MAP_ERR(ctx, fn, "Invalid arguments passed!");
         yfw_oc_error_path(ctx);
         return YFW_ERR_INVALID_ARGS;
     }
-    const cerrno rc = body();
+    const cerrno rc = run();
     YFW_MAP_TRC(ctx, fn, "End");
     return rc;
 }
