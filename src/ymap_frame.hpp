@@ -68,35 +68,53 @@ inline bool text_equal(const char *a, const char *b) {
 
 // ---- The frame --------------------------------------------------------------
 
-// The lines that open and close every frame. Each is one trace statement: the
-// debug log is asked inline, once, and the writing is out of line, so that a
-// frame with both sinks off carries no trace buffer and pays one call and one
-// field test per line.
+// The lines that open and close every frame. Each is one trace statement
+// whose writing is out of line, so that a frame with both sinks off carries no
+// trace buffer. A frame asks the debug log once, at its start, and its "End"
+// goes by the same answer, since the filter does not change within a call.
 enum class FrameLine : uint8_t { Start, End };
 [[gnu::cold]] void write_frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line, bool debug);
-inline void frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line) {
-    const bool debug = yfw_debug_should_log(&ctx->debug_filter, YFW_MAP_LEVEL_TRC) != 0;
+inline bool debug_lines(yfw_map_ctx *ctx) {
+    return yfw_debug_should_log(&ctx->debug_filter, YFW_MAP_LEVEL_TRC) != 0;
+}
+inline void frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line, bool debug) {
     if (debug || ctx->trace_on != 0) [[unlikely]]
         write_frame_line(ctx, name, line, debug);
+}
+inline void frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line) {
+    frame_line(ctx, name, line, debug_lines(ctx));
 }
 
 // Keeps `tag` as the tag to report (the old one is released first), records
 // the error path and returns `status`.
 cerrno refuse(yfw_map_ctx *ctx, const char *tag, cerrno status);
 
+// The error report of refused arguments; false.
+[[gnu::cold]] bool refuse_arguments(yfw_map_ctx *ctx, const char *name);
+
 // The start of every mapper, walker and hand-written function: assertion,
 // "Start", and the argument test with its error report. False when the
 // arguments are refused; the caller then returns YFW_ERR_INVALID_ARGS.
-bool frame_start(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree);
+// `debug` takes the debug log's answer, for the frame's "End".
+inline bool frame_start(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree,
+                        bool &debug) {
+    YMAP_ASSERT_CTX(ctx);
+    debug = debug_lines(ctx);
+    frame_line(ctx, name, FrameLine::Start, debug);
+    if (node != nullptr && out_tree != nullptr) [[likely]]
+        return true;
+    return refuse_arguments(ctx, name);
+}
 
 // The whole frame around a body: its start, the body, "End".
 template <class Body>
 cerrno framed(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree,
               Body &&body) {
-    if (!frame_start(ctx, name, node, out_tree))
+    bool debug = false;
+    if (!frame_start(ctx, name, node, out_tree, debug))
         return YFW_ERR_INVALID_ARGS;
     const cerrno status = body();
-    frame_line(ctx, name, FrameLine::End);
+    frame_line(ctx, name, FrameLine::End, debug);
     return status;
 }
 

@@ -33,11 +33,7 @@ void write_frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line, bool d
     }
 }
 
-bool frame_start(yfw_map_ctx *ctx, const char *name, const void *node, const void *out_tree) {
-    YMAP_ASSERT_CTX(ctx);
-    frame_line(ctx, name, FrameLine::Start);
-    if (node != nullptr && out_tree != nullptr) [[likely]]
-        return true;
+bool refuse_arguments(yfw_map_ctx *ctx, const char *name) {
     YFW_MAP_ERR(ctx, name, YMAP_MSG_INVALID_ARGS);
     yfw_oc_error_path(ctx);
     return false;
@@ -77,19 +73,36 @@ uint32_t flag(const MapperRow &row, uint16_t bit) {
 }
 
 // Path pieces go to the framework from the stack, as the framework may keep
-// the array only for the call.
+// the array only for the call. A row has 2 to kMaxPieces of them (check_row),
+// so two overlapping moves of a fixed size copy them, with no call.
+using Pieces = std::array<const char *, kMaxPieces>;
+template <std::size_t K> void copy_ends(Pieces &to, const char *const *from, uint32_t n) {
+    std::memcpy(to.data(), from, K * sizeof *from);
+    std::memcpy(to.data() + n - K, from + n - K, K * sizeof *from);
+}
+[[gnu::always_inline]] inline void copy_pieces(const MapperRow &row, Pieces &to) {
+    static_assert(kMaxPieces <= 16);
+    const uint32_t n = row.component_count;
+    if (n <= 4)
+        copy_ends<2>(to, row.components, n);
+    else if (n <= 8)
+        copy_ends<4>(to, row.components, n);
+    else
+        copy_ends<8>(to, row.components, n);
+}
+
 cerrno add_from_pieces(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
                        tidl_yfw_datatree *out_tree) {
-    std::array<const char *, kMaxPieces> pieces{};
-    std::copy_n(row.components, row.component_count, pieces.begin());
+    Pieces pieces;
+    copy_pieces(row, pieces);
     return yfw_map_add_leaf_from_xpath(ctx, node, out_tree, pieces[0], row.ns, pieces.data(),
                                        row.component_count);
 }
 
 cerrno stitch(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
               tidl_yfw_datatree *out_tree) {
-    std::array<const char *, kMaxPieces> pieces{};
-    std::copy_n(row.components, row.component_count, pieces.begin());
+    Pieces pieces;
+    copy_pieces(row, pieces);
     return yfw_map_auto_stitch_list_to_list(ctx, node, out_tree, row.ns, pieces.data(),
                                             row.component_count);
 }

@@ -63,6 +63,11 @@ cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status) {
     frame_line(ctx, row.name, FrameLine::End);
     return status;
 }
+// The same, with the answer the frame's start had from the debug log.
+cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status, bool debug) {
+    frame_line(ctx, row.name, FrameLine::End, debug);
+    return status;
+}
 
 cerrno bad_subtrees(const char *name, yfw_map_ctx *ctx) {
     YFW_MAP_ERR(ctx, name, YMAP_MSG_BAD_SUBTREES);
@@ -129,7 +134,8 @@ cerrno own_unknown(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatr
 // A native leaf, walked inline under its own walker's name.
 cerrno inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
                    tidl_yfw_datatree *out_tree) {
-    frame_line(ctx, c.leaf_name, FrameLine::Start);
+    const bool debug = debug_lines(ctx);
+    frame_line(ctx, c.leaf_name, FrameLine::Start, debug);
     if (Subtrees(leaf).malformed)
         return bad_subtrees(c.leaf_name, ctx);
     if (leaf->present_error_kind != 0 && leaf->error_kind == YFW_MAP_ERROR_KIND_XPATH) {
@@ -137,7 +143,7 @@ cerrno inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
         ctx->state->state_flags |= YFW_MAP_STATE_XPATH_ERROR;
     }
     const cerrno status = c.leaf_mapper(ctx, leaf, out_tree);
-    frame_line(ctx, c.leaf_name, FrameLine::End);
+    frame_line(ctx, c.leaf_name, FrameLine::End, debug);
     return status;
 }
 
@@ -233,7 +239,7 @@ cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
 // ---- OpenConfig input ------------------------------------------------------------
 
 cerrno oq_leaf(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-               tidl_yfw_datatree *out_tree) {
+               tidl_yfw_datatree *out_tree, bool debug) {
     const cerrno status = row.mapper(ctx, node, out_tree);
     yfw_map_state *st = ctx->state;
     // In a walk-all pass the node is an ancestor: it is not this leaf to mark.
@@ -252,7 +258,7 @@ cerrno oq_leaf(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
             }
         }
     }
-    return end(row, ctx, skip_is_success(status));
+    return end(row, ctx, skip_is_success(status), debug);
 }
 
 // The walk-all pass of a container: every child in schema order with the
@@ -676,7 +682,8 @@ cerrno augment_parser(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree 
 
 cerrno walk(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
             tidl_yfw_datatree *out_tree) {
-    if (!frame_start(ctx, row.name, node, out_tree))
+    bool debug = false;
+    if (!frame_start(ctx, row.name, node, out_tree, debug))
         return YFW_ERR_INVALID_ARGS;
     if ((row.flags & (kRaisesDnsOper | kYieldsToDnsOper)) != 0) {
         int32_t &oper_walked = module_state().is_ocsystem_dns_oper;
@@ -695,7 +702,7 @@ cerrno walk(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
         return oc ? oq_list(row, ctx, node, out_tree) : qo_list(row, ctx, node, out_tree);
     case WalkerKind::Leaf:
     case WalkerKind::LeafList:
-        return oq_leaf(row, ctx, node, out_tree);
+        return oq_leaf(row, ctx, node, out_tree, debug);
     case WalkerKind::Augment:
         return oq_augment(row, ctx, node, out_tree);
     case WalkerKind::AugmentParser:
