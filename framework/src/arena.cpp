@@ -377,14 +377,8 @@ void fail_assert(const char *what) {
     std::abort();
 }
 
-namespace {
-// Blocks end with their arena only.
-uint64_t arenas_ended = 0;
-} // namespace
-
-Lookups &Block::lookup() {
-    if (lookups == nullptr)
-        lookups = &arena->lookups.take();
+Lookups &Block::take_lookups() {
+    lookups = &arena->lookups.take();
     return *lookups;
 }
 
@@ -406,36 +400,16 @@ Block *block_containing(const tidl_yfw_datatree *node) {
 }
 
 namespace {
-// The arrays a walk asked for last, and those made last, which it asks for
-// next. A block outlives its arrays, so a remembered one holds while no arena
-// has ended and it still starts there.
-struct Seen {
-    const tidl_yfw_datatree *array = nullptr;
-    Block *block = nullptr;
-    uint64_t arenas_ended = 0;
-};
-std::array<Seen, 64> seen_arrays;
-
-Seen &seen_slot(const tidl_yfw_datatree *array) {
-    // Arrays hold two nodes at least: the bits below tell none apart.
-    return seen_arrays[(reinterpret_cast<std::uintptr_t>(array) >> 7) % seen_arrays.size()];
-}
-
 void remember_array(Block &block) {
     seen_slot(block.nodes) = {block.nodes, &block, arenas_ended};
 }
 } // namespace
 
-Block *block_starting_at(const tidl_yfw_datatree *array) {
-    if (array == nullptr)
-        return nullptr;
-    Seen &slot = seen_slot(array);
-    if (slot.array == array && slot.arenas_ended == arenas_ended && slot.block->nodes == array)
-        return slot.block;
+Block *block_starting_at_slowly(const tidl_yfw_datatree *array) {
     Block *block = block_containing(array);
     if (block == nullptr || block->nodes != array)
         return nullptr;
-    slot = {array, block, arenas_ended};
+    seen_slot(array) = {array, block, arenas_ended};
     return block;
 }
 

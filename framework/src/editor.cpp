@@ -24,11 +24,8 @@ bool has_tag(const tidl_yfw_datatree &node, std::string_view tag) {
     return is_text(node.tag, tag);
 }
 
-// The array of `parent` with its tag index, when it is wide enough to want one.
-Block *indexed_block(const tidl_yfw_datatree *parent) {
-    auto kids = children(parent);
-    if (kids.size() < kIndexedWidth)
-        return nullptr;
+// The array of `kids`, wide enough to want a tag index, with its index.
+Block *wide_block(std::span<tidl_yfw_datatree> kids) {
     Block *block = block_starting_at(kids.data());
     if (block == nullptr || block->tag_indexed())
         return block;
@@ -42,6 +39,12 @@ Block *indexed_block(const tidl_yfw_datatree *parent) {
     }
     lookups.tag_index_built = true;
     return block;
+}
+
+// The array of `parent` with its tag index, when it is wide enough to want one.
+inline Block *indexed_block(const tidl_yfw_datatree *parent) {
+    auto kids = children(parent);
+    return kids.size() < kIndexedWidth ? nullptr : wide_block(kids);
 }
 
 std::size_t count_tag(const tidl_yfw_datatree *parent, std::string_view tag) {

@@ -374,14 +374,40 @@ struct Block {
         parent_at = holder != nullptr ? static_cast<uint32_t>(node - holder->nodes) : 0;
         outside_parent = holder != nullptr ? nullptr : node;
     }
-    Lookups &lookup();
+    Lookups &lookup() { return lookups != nullptr ? *lookups : take_lookups(); }
+    Lookups &take_lookups();
     bool tag_indexed() const { return lookups != nullptr && lookups->tag_index_built; }
     void forget_lookups();
 };
 
+// Arenas ended so far: blocks end with their arena only.
+inline uint64_t arenas_ended = 0;
+// A block remembered by its array. A block outlives its arrays, so one
+// remembered holds while no arena has ended and it still starts there.
+struct Seen {
+    const tidl_yfw_datatree *array = nullptr;
+    Block *block = nullptr;
+    uint64_t arenas_ended = 0;
+};
+// The arrays a walk asked for last, and those made last, which it asks for next.
+inline std::array<Seen, 64> seen_arrays;
+inline Seen &seen_slot(const tidl_yfw_datatree *array) {
+    // Arrays hold two nodes at least: the bits below tell none apart.
+    return seen_arrays[(reinterpret_cast<std::uintptr_t>(array) >> 7) % seen_arrays.size()];
+}
+
 // The process-wide index from array address to its block (for parent_of).
-Block *block_starting_at(const tidl_yfw_datatree *array);
 Block *block_containing(const tidl_yfw_datatree *node);
+Block *block_starting_at_slowly(const tidl_yfw_datatree *array);
+// Inline: every append and list look-up starts here.
+inline Block *block_starting_at(const tidl_yfw_datatree *array) {
+    if (array == nullptr)
+        return nullptr;
+    const Seen &slot = seen_slot(array);
+    if (slot.array == array && slot.arenas_ended == arenas_ended && slot.block->nodes == array)
+        return slot.block;
+    return block_starting_at_slowly(array);
+}
 
 // The node's children; a malformed pair (present, null array, count) reads as none.
 // Inline: every lookup and add starts here.
