@@ -51,6 +51,25 @@ TEST(QoListWalker, MarksKeysOpensAnOutputListPerEntryAndClosesIt) {
     r.expect_state_restored();
 }
 
+// A child is tried first against the schema child after the last match: named
+// out of schema order or twice, every child still finds its own walker.
+TEST(QoListWalker, ChildrenOutOfSchemaOrderOrRepeatedMapAsInOrder) {
+    const auto walk = [](std::string_view children) {
+        Request r(KIND_GET);
+        EXPECT_EQ(r.run(kBanners, "<banners xmlns=\"http://tarvex.local/ns/yang/"
+                                  "Tarvex-QV-infra-infra-cfg\"><banner>" +
+                                      std::string(children) + "</banner></banners>"),
+                  YFW_SUCCESS);
+        return r.paths();
+    };
+    const std::string name = "<banner-name>login</banner-name>";
+    const std::string text = "<banner-text>hello</banner-text>";
+    const std::string in_order = walk(name + text);
+    EXPECT_NE(in_order.find("hello"), std::string::npos);
+    EXPECT_EQ(walk(text + name), in_order);
+    EXPECT_EQ(walk(text + name + text), walk(name + text + text));
+}
+
 TEST(QoListWalker, EntryWithoutChildrenIsLoggedAndWalked) {
     Request r(KIND_GET);
     r.session().set_debug_log(true);

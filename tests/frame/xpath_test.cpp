@@ -114,6 +114,42 @@ TEST(SelectedRows, CarryTheCallbacksValueFunctionToAHandWrittenVariant) {
     EXPECT_EQ(kEmptyLeaf_rows[1].value_fn, &ymap::xpath_node_value);
 }
 
+// The copy a callback gets holds every text of its table whole, short or near
+// its field's size, and no mark a callback set in an earlier call.
+#define YMAP_TEST_LONG_PATH_ "/a-path-of-two-hundred-and-forty-nine-characters-to-fill-the-field"
+constexpr const char kLongPath[] = YMAP_TEST_LONG_PATH_ YMAP_TEST_LONG_PATH_ YMAP_TEST_LONG_PATH_
+    "/and-the-rest-of-itxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx";
+static_assert(sizeof kLongPath == XPATH_LIST_PATH_SIZE);
+cerrno inspect(yfw_map_ctx *, int32_t count, xpath_list_type_t *rows);
+// clang-format off
+YMAP_XPATH_TABLE(kTexts, inspect,
+    {"/a",      NS_SHELLUTIL_CFG,         &ymap::xpath_node_value, 0, 0, kLongPath},
+    {kLongPath, NS_INFRA_CLOCK_LINUX_CFG, &ymap::xpath_node_value, 0, 1, "NULL"},
+    {"/b/c",    NS_SHELLUTIL_CFG,         nullptr,                 0, 0, "/d"});
+// clang-format on
+int inspected = 0;
+cerrno inspect(yfw_map_ctx *, int32_t count, xpath_list_type_t *rows) {
+    for (int32_t i = 0; i <= count; ++i) {
+        const xpath_list_type_t &want = kTexts_rows[static_cast<std::size_t>(i)];
+        EXPECT_STREQ(rows[i].xpath, want.xpath);
+        EXPECT_STREQ(rows[i].namespace_, want.namespace_);
+        EXPECT_STREQ(rows[i].second_xpath, want.second_xpath);
+        EXPECT_EQ(rows[i].value_fn, want.value_fn);
+        EXPECT_EQ(rows[i].augment_flag, want.augment_flag);
+        EXPECT_EQ(rows[i].selected, 0u) << "row " << i << ", call " << inspected;
+        rows[i].selected = 1;
+    }
+    ++inspected;
+    return YFW_SUCCESS;
+}
+
+TEST(SelectedRows, TheCopyHoldsEveryTextWholeAndNoMarkOfAnEarlierCall) {
+    Request r(KIND_GET);
+    for (int call = 0; call < 2; ++call)
+        EXPECT_EQ(ymap::SelectedRows(kTexts, r.ctx()).callback_status(), YFW_SUCCESS);
+    EXPECT_EQ(inspected, 2);
+}
+
 TEST(SelectedRows, HasSecondIgnoresBothPlaceholders) {
     EXPECT_TRUE(ymap::has_second(kTable_rows[1]));
     EXPECT_FALSE(ymap::has_second(kTable_rows[0]));
