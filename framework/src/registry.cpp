@@ -189,15 +189,28 @@ const Module *module_by_namespace(std::string_view ns) {
 
 namespace detail {
 namespace {
-// Augments whose target lies in another module's tree, by module name.
+constexpr std::size_t module_index(std::string_view name) {
+    for (std::size_t i = 0; i < kModules.size(); ++i)
+        if (kModules[i].name == name)
+            return i;
+    throw "a module the table does not hold"; // fails the constant evaluation
+}
+
+// Augments whose target lies in another module's tree, by module: the
+// augmented node's path without prefixes, segment by segment.
 struct AugmentRow {
-    std::string_view module;
-    std::string_view target; // the augmented node, without prefixes
-    std::string_view base;   // the module that holds the target
+    std::size_t module;
+    std::array<std::string_view, 2> target;
+    std::size_t base; // the module that holds the target
+    constexpr AugmentRow(std::string_view name, std::array<std::string_view, 2> steps,
+                         std::string_view base_name)
+        : module(module_index(name)), target(steps), base(module_index(base_name)) {}
+    constexpr std::size_t depth() const { return target[1].empty() ? 1 : 2; }
 };
 constexpr std::array kAugments = {
-    AugmentRow{"openconfig-system-grpc", "/system", "openconfig-system"},
-    AugmentRow{"Tarvex-QV-openconfig-system-terminal-ext", "/system/telnet-server",
+    AugmentRow{"openconfig-system-grpc", {"system"}, "openconfig-system"},
+    AugmentRow{"Tarvex-QV-openconfig-system-terminal-ext",
+               {"system", "telnet-server"},
                "openconfig-system"},
 };
 } // namespace
@@ -214,23 +227,14 @@ std::size_t augment_target_depth(const char *ns, std::span<const std::string_vie
         last_ns = ns;
         last_module = module_by_namespace(ns);
     }
-    const Module *m = last_module;
-    if (m == nullptr)
+    if (last_module == nullptr)
         return 0;
+    const auto module = static_cast<std::size_t>(last_module - kModules.data());
     for (const AugmentRow &row : kAugments) {
-        if (row.module != m->name)
-            continue;
-        std::string_view rest = row.target;
-        std::size_t depth = 0;
-        for (; depth < segments.size() && rest.starts_with('/'); ++depth) {
-            rest.remove_prefix(1);
-            const std::string_view step = rest.substr(0, rest.find('/'));
-            if (step != segments[depth])
-                break;
-            rest.remove_prefix(step.size());
-        }
-        if (rest.empty()) {
-            *base_ns = module_by_name(row.base)->ns.data();
+        const std::size_t depth = row.depth();
+        if (row.module == module && segments.size() >= depth &&
+            std::ranges::equal(segments.first(depth), std::span(row.target).first(depth))) {
+            *base_ns = kModules[row.base].ns.data();
             return depth;
         }
     }

@@ -17,16 +17,68 @@ std::string yfw_map_session::hierarchy_path(std::size_t depth) const {
     return path;
 }
 
+namespace {
+// The keys of the last hierarchy asked about, with its tags' texts: a list
+// walk asks for every entry, and the entries differ from each other only by
+// the node, not by the tags that decide the list. The keys are rows of the
+// schema table, so they outlast any session.
+struct HierarchyKeysMemo {
+    static constexpr std::size_t kDepths = 16;
+    std::size_t levels = 0; // 0: nothing remembered
+    std::array<std::string_view, kDepths> tags;
+    std::array<char, 512> text; // the tags, each ended by a '\0'
+    std::span<const std::string_view> keys;
+
+    bool holds(const std::vector<HierarchyFrame> &frames, std::size_t count) const {
+        if (count != levels)
+            return false;
+        for (std::size_t i = 0; i < count; ++i)
+            if (!yfw::detail::is_text(frames[i].node->tag, tags[i]))
+                return false;
+        return true;
+    }
+    void keep(const std::vector<HierarchyFrame> &frames, std::size_t count,
+              std::span<const std::string_view> found) {
+        levels = 0;
+        keys = {};
+        if (count > kDepths)
+            return;
+        std::size_t used = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            const char *tag = frames[i].node->tag;
+            if (tag == nullptr)
+                return; // no text to check later
+            const std::size_t length = std::strlen(tag);
+            if (used + length >= text.size())
+                return;
+            std::memcpy(text.data() + used, tag, length);
+            tags[i] = {text.data() + used, length};
+            used += length;
+            text[used++] = '\0';
+        }
+        levels = count;
+        keys = found;
+    }
+};
+HierarchyKeysMemo hierarchy_keys_memo;
+} // namespace
+
 std::span<const std::string_view> yfw_map_session::hierarchy_keys(std::size_t depth) const {
+    const std::size_t count = depth < hierarchy.size() ? depth + 1 : hierarchy.size();
+    if (hierarchy_keys_memo.holds(hierarchy, count))
+        return hierarchy_keys_memo.keys;
     yfw::detail::Segments segments;
-    for (std::size_t i = 0; i <= depth && i < hierarchy.size(); ++i)
+    for (std::size_t i = 0; i < count; ++i)
         yfw::detail::split_path(yfw::detail::text_of(hierarchy[i].node->tag), segments);
-    if (segments.empty())
-        return {};
-    yfw::detail::SchemaHash hash;
-    for (std::string_view segment : segments)
-        hash.add_segment(segment);
-    return yfw::detail::list_keys_hashed(hash.value, segments);
+    std::span<const std::string_view> keys;
+    if (!segments.empty()) {
+        yfw::detail::SchemaHash hash;
+        for (std::string_view segment : segments)
+            hash.add_segment(segment);
+        keys = yfw::detail::list_keys_hashed(hash.value, segments);
+    }
+    hierarchy_keys_memo.keep(hierarchy, count, keys);
+    return keys;
 }
 
 std::size_t yfw_map_session::depth_of(const tidl_yfw_datatree *node) const {

@@ -250,7 +250,10 @@ cerrno yfw_map_auto_stitch_list_to_list(yfw_map_ctx *ctx, const tidl_yfw_datatre
     // Enclosing output lists take the entries of the open output lists,
     // innermost last: the n-th list outward from the path's own takes the n-th
     // open entry inward from the last.
-    std::array<EntryKeys, AddMemo::kLevels> keys;
+    // Keys only for the list segments: no path of the schema crosses more
+    // than three lists, and the rest of an entry's keys is never read.
+    std::array<EntryKeys, 4> keys;
+    std::size_t lists = 0;
     std::array<const EntryKeys *, AddMemo::kLevels> wanted{};
     if (path->segments.size() > wanted.size())
         return YFW_ERR_INVALID_ARGS;
@@ -259,17 +262,19 @@ cerrno yfw_map_auto_stitch_list_to_list(yfw_map_ctx *ctx, const tidl_yfw_datatre
         const auto names = path->keys_at[i];
         if (names.empty())
             continue;
+        if (lists == keys.size())
+            return YFW_ERR_INVALID_ARGS;
         if (i == path->innermost) {
-            keys[i] = entry_keys(names, own);
+            keys[lists] = entry_keys(names, own);
         } else {
             while (open != session->output_lists.rend() && open->entry == input_node)
                 ++open;
             if (open == session->output_lists.rend())
                 continue;
-            keys[i] = entry_keys(names, input_key_values(*session, open->entry));
+            keys[lists] = entry_keys(names, input_key_values(*session, open->entry));
             ++open;
         }
-        wanted[i] = &keys[i];
+        wanted[i] = &keys[lists++];
     }
     Editor editor(*session->home, namespace_);
     note_add(*session, out_tree,

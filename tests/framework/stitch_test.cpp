@@ -78,6 +78,35 @@ TEST_F(Stitch, KeysJoinByPositionNotByName) {
               "system{dns{host-entries{host-entry{hostname=h} host-entry{hostname=h2}}}}");
 }
 
+// Entry after entry the keys come from the list the hierarchy names now, also
+// when its tags are the same texts as before, rewritten in place.
+TEST_F(Stitch, EachListTakesItsOwnKeys) {
+    tidl_yfw_datatree *lists = add_node(arena, walk_into({"oc-dns", "system", "dns"}), "x");
+    yfw_map_add_to_node_hierarchy(ctx, lists, YFW_MAP_HIER_CONTAINER);
+    char list_tag[16];
+    char entry_tag[16];
+    lists->tag = list_tag;
+    const struct {
+        const char *list, *entry, *key, *value, *out_list, *out_entry;
+    } cases[] = {
+        {"servers", "server", "address", "a", "/servers", "/server"},
+        {"host-entries", "host-entry", "host-name", "h", "/host-entries", "/host-entry"},
+        {"servers", "server", "address", "b", "/servers", "/server"},
+    };
+    for (const auto &c : cases) {
+        std::strcpy(list_tag, c.list);
+        std::strcpy(entry_tag, c.entry);
+        tidl_yfw_datatree *e = entry(lists, "x", c.key, c.value);
+        e->tag = entry_tag;
+        yfw_map_add_to_node_hierarchy(ctx, e, YFW_MAP_HIER_LIST_ENTRY);
+        EXPECT_EQ(stitch(e, {"/system", "/dns", c.out_list, c.out_entry}), YFW_SUCCESS) << c.value;
+        yfw_map_remove_from_node_hierarchy(ctx, e);
+    }
+    EXPECT_EQ(doc_text(*session.output()),
+              "system{dns{servers{server{address=a} "
+              "server{address=b}} host-entries{host-entry{hostname=h}}}}");
+}
+
 TEST_F(Stitch, EnclosingEntriesComeFromOpenOutputLists) {
     add("/system/aaa/server-groups/server-group/name", "g0");
     add("/system/aaa/server-groups/server-group/name", "g1");
