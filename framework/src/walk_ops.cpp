@@ -84,10 +84,9 @@ const tidl_yfw_datatree *key_child(const yfw_map_session &session, const tidl_yf
     return keys.empty() ? nullptr : child_with_tag(entry, keys.front());
 }
 
-// The keys of an input entry by name: the children the walker marked as keys,
+// `open` takes the keys of an input entry by name: the children the walker marked as keys,
 // wherever they stand among the others, else the schema's keys of its list.
-OpenEntry open_entry(yfw_map_session &session, const tidl_yfw_datatree *entry) {
-    OpenEntry open;
+void open_entry(yfw_map_session &session, const tidl_yfw_datatree *entry, OpenEntry &open) {
     open.serial = session.next_serial++;
     for (const tidl_yfw_datatree &child : children(entry))
         if (child.present_is_key && child.is_key && child.tag != nullptr)
@@ -98,7 +97,6 @@ OpenEntry open_entry(yfw_map_session &session, const tidl_yfw_datatree *entry) {
             open.add(key, leaf != nullptr ? leaf->value : nullptr);
         }
     }
-    return open;
 }
 
 void close_output_list(yfw_map_ctx &ctx, yfw_map_session &session) {
@@ -215,7 +213,10 @@ void yfw_add_to_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input
     context.output_list_key[context.list_index++] = key->value != nullptr ? key->value : no_value;
     if (context.state != nullptr)
         ++context.state->output_list_count;
-    session->output_lists.push_back({input_node, open_entry(*session, input_node)});
+    // Filled where it stays: an entry's keys are a few hundred bytes.
+    OutputListFrame &frame = session->output_lists.emplace_back();
+    frame.entry = input_node;
+    open_entry(*session, input_node, frame.keys);
 }
 
 void yfw_remove_from_output_list_ctx(yfw_map_ctx *ctx, const tidl_yfw_datatree *input_node,
