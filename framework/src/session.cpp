@@ -18,46 +18,39 @@ std::string yfw_map_session::hierarchy_path(std::size_t depth) const {
 }
 
 namespace {
-// The keys of the last hierarchy asked about, with its tags' texts: a list
-// walk asks for every entry, and the entries differ from each other only by
-// the node, not by the tags that decide the list. The keys are rows of the
+// The keys of the last hierarchy asked about: a list walk asks for every
+// entry, and its entries differ only by the innermost frame. The frames below
+// it are the same pushes while the one under it keeps its serial; the
+// innermost frame's tag is checked by its text. The keys are rows of the
 // schema table, so they outlast any session.
 struct HierarchyKeysMemo {
-    static constexpr std::size_t kDepths = 16;
     std::size_t levels = 0; // 0: nothing remembered
-    std::array<std::string_view, kDepths> tags;
-    std::array<char, 512> text; // the tags, each ended by a '\0'
+    uint64_t below = 0;     // the serial of the frame under the innermost, 0 for none
+    std::array<char, 256> tag;
+    std::string_view tag_text;
     std::span<const std::string_view> keys;
 
+    static uint64_t serial_below(const std::vector<HierarchyFrame> &frames, std::size_t count) {
+        return count >= 2 ? frames[count - 2].serial : 0;
+    }
     bool holds(const std::vector<HierarchyFrame> &frames, std::size_t count) const {
-        if (count != levels)
-            return false;
-        for (std::size_t i = 0; i < count; ++i)
-            if (!yfw::detail::is_text(frames[i].node->tag, tags[i]))
-                return false;
-        return true;
+        return count == levels && count != 0 && serial_below(frames, count) == below &&
+               yfw::detail::is_text(frames[count - 1].node->tag, tag_text);
     }
     void keep(const std::vector<HierarchyFrame> &frames, std::size_t count,
               std::span<const std::string_view> found) {
         levels = 0;
-        keys = {};
-        if (count > kDepths)
+        const char *innermost = count != 0 ? frames[count - 1].node->tag : nullptr;
+        if (innermost == nullptr)
+            return; // no text to check later
+        const std::size_t length = std::strlen(innermost);
+        if (length >= tag.size())
             return;
-        std::size_t used = 0;
-        for (std::size_t i = 0; i < count; ++i) {
-            const char *tag = frames[i].node->tag;
-            if (tag == nullptr)
-                return; // no text to check later
-            const std::size_t length = std::strlen(tag);
-            if (used + length >= text.size())
-                return;
-            std::memcpy(text.data() + used, tag, length);
-            tags[i] = {text.data() + used, length};
-            used += length;
-            text[used++] = '\0';
-        }
-        levels = count;
+        std::memcpy(tag.data(), innermost, length + 1);
+        tag_text = {tag.data(), length};
+        below = serial_below(frames, count);
         keys = found;
+        levels = count;
     }
 };
 HierarchyKeysMemo hierarchy_keys_memo;
@@ -92,6 +85,10 @@ namespace yfw {
 
 Session::Session(uint32_t request_kind, bool oper_only) : impl_(std::make_unique<Impl>()) {
     Impl &s = *impl_;
+    // The serials of two sessions never meet, so a push is known by its
+    // serial across requests too (a session makes far fewer than 2^40).
+    static uint64_t sessions = 0;
+    s.next_serial = (++sessions << 40) + 1;
     s.request.request_kind = request_kind;
     if (oper_only) {
         s.request.datastore_selector = YFW_DATASTORE_OPERATIONAL;

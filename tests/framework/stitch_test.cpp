@@ -13,7 +13,8 @@ using fwtest::doc_text;
 constexpr const char *kOc = "http://openconfig.net/yang/system";
 constexpr const char *kGrpc = "http://openconfig.net/yang/system-grpc";
 
-struct Stitch : testing::Test {
+// One request as a native walker drives it.
+struct Request {
     yfw::Session session{KIND_GET};
     yfw_map_ctx *ctx = session.ctx();
     yfw::Arena &arena = session.arena();
@@ -46,6 +47,7 @@ struct Stitch : testing::Test {
                                                 static_cast<uint32_t>(components.size()));
     }
 };
+struct Stitch : testing::Test, Request {};
 
 TEST_F(Stitch, JoinsAnExistingEntryOrCreatesOne) {
     add("/system/cpus/cpu/index", "0");
@@ -105,6 +107,31 @@ TEST_F(Stitch, EachListTakesItsOwnKeys) {
     EXPECT_EQ(doc_text(*session.output()),
               "system{dns{servers{server{address=a} "
               "server{address=b}} host-entries{host-entry{hostname=h}}}}");
+}
+
+// Two requests walking lists at the same depth, with the same innermost tag,
+// each take the keys of their own list.
+TEST(StitchRequests, EachTakesTheKeysOfItsOwnList) {
+    const struct {
+        std::initializer_list<const char *> walk;
+        const char *key, *value, *expected;
+    } cases[] = {
+        {{"oc-dns", "system", "dns", "servers"},
+         "address",
+         "a",
+         "system{dns{servers{server{address=a}}}}"},
+        {{"ip-domain", "vrfs", "vrf", "servers"},
+         "order",
+         "1",
+         "system{dns{servers{server{address=1}}}}"},
+    };
+    for (const auto &c : cases) {
+        Request request;
+        tidl_yfw_datatree *e = request.entry(request.walk_into(c.walk), "server", c.key, c.value);
+        yfw_map_add_to_node_hierarchy(request.ctx, e, YFW_MAP_HIER_LIST_ENTRY);
+        EXPECT_EQ(request.stitch(e, {"/system", "/dns", "/servers", "/server"}), YFW_SUCCESS);
+        EXPECT_EQ(doc_text(*request.session.output()), c.expected);
+    }
 }
 
 TEST_F(Stitch, EnclosingEntriesComeFromOpenOutputLists) {
