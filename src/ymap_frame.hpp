@@ -85,6 +85,22 @@ inline void frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line) {
     frame_line(ctx, name, line, debug_lines(ctx));
 }
 
+// The frame's other fixed lines, each one trace statement, written out of line
+// so that the paths that write them carry no trace buffer.
+enum class Note : uint8_t {
+    Mapped,            // trace "Mapping done for this node"
+    NotMapped,         // trace "No mapping done for this node"
+    NoSubtrees,        // trace "No subtrees"
+    NoKeys,            // error "No keys specified with a list node."
+    NoKeysTrace,       // trace, the same
+    KeyError,          // error "List key node error."
+    EmptyKey,          // error "Empty list key specified."
+    KeyDelete,         // error "The key node should not have delete operation."
+    Leafref,           // error "leafref value check fail"
+    DeleteWithSubtree, // trace "Delete request with subtree present"
+};
+[[gnu::noinline]] void note(yfw_map_ctx *ctx, const char *name, Note line);
+
 // Keeps `tag` as the tag to report (the old one is released first), records
 // the error path and returns `status`.
 cerrno refuse(yfw_map_ctx *ctx, const char *tag, cerrno status);

@@ -33,6 +33,41 @@ void write_frame_line(yfw_map_ctx *ctx, const char *name, FrameLine line, bool d
     }
 }
 
+void note(yfw_map_ctx *ctx, const char *name, Note line) {
+    switch (line) {
+    case Note::Mapped:
+        YFW_MAP_TRC(ctx, name, YMAP_MSG_MAPPED);
+        return;
+    case Note::NotMapped:
+        YFW_MAP_TRC(ctx, name, YMAP_MSG_NOT_MAPPED);
+        return;
+    case Note::NoSubtrees:
+        YFW_MAP_TRC(ctx, name, YMAP_MSG_NO_SUBTREES);
+        return;
+    case Note::NoKeys:
+        YFW_MAP_ERR(ctx, name, YMAP_MSG_NO_KEYS);
+        return;
+    case Note::NoKeysTrace:
+        YFW_MAP_TRC(ctx, name, YMAP_MSG_NO_KEYS);
+        return;
+    case Note::KeyError:
+        YFW_MAP_ERR(ctx, name, YMAP_MSG_KEY_ERROR);
+        return;
+    case Note::EmptyKey:
+        YFW_MAP_ERR(ctx, name, YMAP_MSG_EMPTY_KEY);
+        return;
+    case Note::KeyDelete:
+        YFW_MAP_ERR(ctx, name, YMAP_MSG_KEY_DELETE);
+        return;
+    case Note::Leafref:
+        YFW_MAP_ERR(ctx, name, YMAP_MSG_LEAFREF);
+        return;
+    case Note::DeleteWithSubtree:
+        YFW_MAP_TRC(ctx, name, YMAP_MSG_DELETE_WITH_SUBTREE);
+        return;
+    }
+}
+
 bool refuse_arguments(yfw_map_ctx *ctx, const char *name) {
     YFW_MAP_ERR(ctx, name, YMAP_MSG_INVALID_ARGS);
     yfw_oc_error_path(ctx);
@@ -116,17 +151,17 @@ cerrno container_body(const MapperRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree 
         // Named without children, the client wants the whole container, and the
         // other tree has all of it under one path.
         if (count != 0) {
-            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NOT_MAPPED);
+            note(ctx, row.name, Note::NotMapped);
             return YFW_SUCCESS;
         }
-        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_SUBTREES);
+        note(ctx, row.name, Note::NoSubtrees);
         return add_value(ctx, out_tree, row.path, row.ns, nullptr);
     case ContForm::Mapped:
         if (count != 0) {
-            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_MAPPED);
+            note(ctx, row.name, Note::Mapped);
             return add_value(ctx, out_tree, row.path, row.ns, nullptr);
         }
-        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_SUBTREES);
+        note(ctx, row.name, Note::NoSubtrees);
         if (read_kind(ctx) || !yfw_map_is_request_delete(node))
             return YFW_SUCCESS;
         return yfw_map_datatree_add_path_flagged(ctx, out_tree, row.path, row.ns, nullptr, node,

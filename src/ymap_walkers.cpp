@@ -69,7 +69,9 @@ cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status, bool debug) {
     return status;
 }
 
-cerrno bad_subtrees(const char *name, yfw_map_ctx *ctx) {
+// The paths of malformed input and unknown tags are out of line, so that the
+// walkers' common paths carry no trace buffer of theirs.
+[[gnu::cold, gnu::noinline]] cerrno bad_subtrees(const char *name, yfw_map_ctx *ctx) {
     YFW_MAP_ERR(ctx, name, YMAP_MSG_BAD_SUBTREES);
     frame_line(ctx, name, FrameLine::End);
     return YFW_ERR_BAD_TREE;
@@ -117,7 +119,8 @@ Classified classify(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datat
 // An own-namespace tag with no mapping: a native answer drops it, and so does
 // a walker that ignores such tags; an OpenConfig request passes over it in a
 // read and refuses it in a write.
-cerrno own_unknown(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatree *child) {
+[[gnu::noinline]] cerrno own_unknown(const WalkerRow &row, yfw_map_ctx *ctx,
+                                     const tidl_yfw_datatree *child) {
     if (!walks_openconfig(row) || (row.flags & kIgnoresOwnUnknown) != 0) {
         if ((row.flags & kNamedIgnore) != 0)
             YFW_MAP_TRC(ctx, row.name, YMAP_MSG_IGNORING_NAMED, child->tag);
@@ -131,6 +134,16 @@ cerrno own_unknown(const WalkerRow &row, yfw_map_ctx *ctx, const tidl_yfw_datatr
     return refuse(ctx, child->tag, YFW_ERR_UNSUPPORTED_TAG);
 }
 
+[[gnu::cold, gnu::noinline]] void mark_xpath_error(yfw_map_ctx *ctx, const char *name) {
+    YFW_MAP_TRC(ctx, name, YMAP_MSG_XPATH_ERROR);
+    ctx->state->state_flags |= YFW_MAP_STATE_XPATH_ERROR;
+}
+
+[[gnu::cold, gnu::noinline]] cerrno no_tag(const WalkerRow &row, yfw_map_ctx *ctx) {
+    YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_TAG);
+    return YFW_ERR_BAD_TREE;
+}
+
 // A native leaf, walked inline under its own walker's name.
 cerrno inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
                    tidl_yfw_datatree *out_tree) {
@@ -138,10 +151,8 @@ cerrno inline_leaf(const Child &c, yfw_map_ctx *ctx, tidl_yfw_datatree *leaf,
     frame_line(ctx, c.leaf_name, FrameLine::Start, debug);
     if (Subtrees(leaf).malformed)
         return bad_subtrees(c.leaf_name, ctx);
-    if (leaf->present_error_kind != 0 && leaf->error_kind == YFW_MAP_ERROR_KIND_XPATH) {
-        YFW_MAP_TRC(ctx, c.leaf_name, YMAP_MSG_XPATH_ERROR);
-        ctx->state->state_flags |= YFW_MAP_STATE_XPATH_ERROR;
-    }
+    if (leaf->present_error_kind != 0 && leaf->error_kind == YFW_MAP_ERROR_KIND_XPATH)
+        mark_xpath_error(ctx, c.leaf_name);
     const cerrno status = c.leaf_mapper(ctx, leaf, out_tree);
     frame_line(ctx, c.leaf_name, FrameLine::End, debug);
     return status;
@@ -152,8 +163,7 @@ cerrno visit(const WalkerRow &row, yfw_map_ctx *ctx, const Classified &cls,
              tidl_yfw_datatree *child, tidl_yfw_datatree *out_tree) {
     switch (cls.what) {
     case ChildClass::NoTag:
-        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_TAG);
-        return YFW_ERR_BAD_TREE;
+        return no_tag(row, ctx);
     case ChildClass::Known:
         return cls.child->walk != nullptr ? cls.child->walk(ctx, child, out_tree)
                                           : inline_leaf(*cls.child, ctx, child, out_tree);
@@ -214,7 +224,7 @@ cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     if (subs.malformed && !((row.flags & kStateOnlyList) != 0 && read_kind(ctx)))
         return bad_subtrees(row.name, ctx);
     if (subs.count == 0)
-        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_KEYS);
+        note(ctx, row.name, Note::NoKeys);
     yfw_map_add_to_node_hierarchy(ctx, node, YFW_MAP_HIER_LIST_ENTRY);
     if (yfw_map_update_current_list_node(ctx, row.list_path) == YFW_SUCCESS)
         for (uint32_t i = 0; i < subs.count; ++i)
@@ -317,7 +327,7 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
     // A delete names a container alone.
     if (!walk_all && subs.count != 0 && st->walk_suppress == YFW_MAP_SUPPRESS_NONE &&
         yfw_map_is_request_delete(node)) {
-        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_DELETE_WITH_SUBTREE);
+        note(ctx, row.name, Note::DeleteWithSubtree);
         return end(row, ctx, YFW_ERR_INVALID_ARGS);
     }
     // In a walk-all pass with the expand bit raised, named children do not filter.
@@ -402,7 +412,7 @@ cerrno scan_keys(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node
             const cerrno checked =
                 yfw_map_check_oc_leafref(ctx, row.list_path, "config", child, node);
             if (checked != YFW_SUCCESS) {
-                YFW_MAP_ERR(ctx, row.name, YMAP_MSG_LEAFREF);
+                note(ctx, row.name, Note::Leafref);
                 return checked;
             }
         }
@@ -499,10 +509,10 @@ cerrno entry_children(const WalkerRow &row, yfw_map_ctx *ctx, const Subtrees &su
         const Classified cls = classify(row, ctx, *child);
         if (cls.what != ChildClass::NoTag && is_key_tag(row, child->tag)) {
             if (demanding && child->present_value == 0) {
-                YFW_MAP_ERR(ctx, row.name, YMAP_MSG_EMPTY_KEY);
+                note(ctx, row.name, Note::EmptyKey);
                 status = refuse(ctx, child->tag, YFW_ERR_LIST_KEY);
             } else if (own_operation_is(child, OP_DELETE) || own_operation_is(child, OP_REMOVE)) {
-                YFW_MAP_ERR(ctx, row.name, YMAP_MSG_KEY_DELETE);
+                note(ctx, row.name, Note::KeyDelete);
                 yfw_oc_error_path(ctx);
                 status = YFW_ERR_KEY_DELETE;
             } else {
@@ -577,9 +587,9 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
 
     const bool unsuppressed = st->walk_suppress == YFW_MAP_SUPPRESS_NONE;
     if (subs.count == 0 && !walk_all && unsuppressed) {
-        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_NO_KEYS);
+        note(ctx, row.name, Note::NoKeys);
         if (yfw_map_is_key_demanding_kind(kind)) {
-            YFW_MAP_TRC(ctx, row.name, YMAP_MSG_NO_KEYS);
+            note(ctx, row.name, Note::NoKeysTrace);
             return end(row, ctx, YFW_ERR_BAD_TREE);
         }
     }
@@ -601,7 +611,7 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     // A bad key: the walk goes on to the end with the status, doing no work.
     if (!walk_all && subs.count != 0 && unsuppressed && status == YFW_SUCCESS &&
         !keys_valid(row, kind, scan)) {
-        YFW_MAP_ERR(ctx, row.name, YMAP_MSG_KEY_ERROR);
+        note(ctx, row.name, Note::KeyError);
         status = refuse(ctx, row.keys[0], YFW_ERR_LIST_KEY);
     }
 
@@ -646,6 +656,10 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     return end(row, ctx, skip_is_success(status));
 }
 
+[[gnu::noinline]] void processing_tag(const WalkerRow &row, yfw_map_ctx *ctx, const char *tag) {
+    YFW_MAP_TRC(ctx, row.name, YMAP_MSG_PROCESSING_TAG, tag);
+}
+
 // A walker of an augmenting module, entered with one node: the augmented
 // child's tag goes to its walker; named bare in a read or a delete, the
 // augmented subtree is walked whole.
@@ -656,7 +670,7 @@ cerrno oq_augment(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
         return bad_subtrees(row.name, ctx);
     const Classified cls = classify(row, ctx, *node);
     if (cls.what != ChildClass::NoTag)
-        YFW_MAP_TRC(ctx, row.name, YMAP_MSG_PROCESSING_TAG, node->tag);
+        processing_tag(row, ctx, node->tag);
     const cerrno status = visit(row, ctx, cls, node, out_tree);
     if (subs.count == 0 && status == YFW_SUCCESS &&
         (read_kind(ctx) || yfw_map_is_request_delete(node))) {
