@@ -73,6 +73,16 @@ const AddCase kAddCases[] = {
       {"/system/dns/servers/server/config/port", "54"}},
      "system{dns{servers{server{address=1.1.1.1 config{port=54}} "
      "server{address=2.2.2.2 config{port=53}}}}}"},
+    {"KeyGivenTwiceKeepsItsEntryAndAnEqualKeyMerges",
+     {{"/system/dns/servers/server", nullptr, 1},
+      {"/system/dns/servers/server/address", "1.1.1.1", 1},
+      {"/system/dns/servers/server/address", "1.1.1.1"},
+      {"/system/dns/servers/server/config/port", "53"},
+      {"/system/dns/servers/server", nullptr, 1},
+      {"/system/dns/servers/server/address", "1.1.1.1", 1},
+      {"/system/dns/servers/server/address", "1.1.1.1"},
+      {"/system/dns/servers/server/config/port", "54"}},
+     "system{dns{servers{server{address=1.1.1.1 config{port=54}}}}}"},
     {"CompletedKeysMergeIntoTheExistingEntry",
      {{"/system/dns/host-entries/host-entry", nullptr, 1},
       {"/system/dns/host-entries/host-entry/hostname", "h", 1},
@@ -196,8 +206,8 @@ const OpenListCase kOpenListCases[] = {
      "name",
      "a2",
      {},
-     {{"/system/alarms/alarm/state/severity", "MINOR"}},
-     "system{alarms{alarm{id=a1 state{severity=MINOR}}}}"},
+     {{"/system/alarms/alarm/state/severity", "MINOR"}, {"/system/alarms/alarm/state/text", "t"}},
+     "system{alarms{alarm{id=a1 state{severity=MINOR text=t}}}}"},
 };
 
 INSTANTIATE_TEST_SUITE_P(Framework, OpenOutputList, testing::ValuesIn(kOpenListCases),
