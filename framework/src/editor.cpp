@@ -99,6 +99,30 @@ const char *lasting_text(Arena::Impl &arena, std::string_view text) {
 } // namespace
 
 namespace {
+// How level `i` of `path` resolves for an add of `kind` (see AddPath::kind).
+uint8_t way_of(const AddPath &path, std::size_t i, std::size_t kind) {
+    using How = AddMemo::How;
+    const bool by_schema = (kind & 8) != 0, open = (kind & 4) != 0;
+    const bool list_entry = (kind & 2) != 0, value = (kind & 1) != 0;
+    const std::size_t count = path.segments.size();
+    const bool last = i + 1 == count;
+    const bool ends_in_key = by_schema && path.ends_in_key;
+    const bool innermost = by_schema && i == path.innermost;
+    auto way = [](How how) { return static_cast<uint8_t>(how); };
+    if (!by_schema || path.keys_at[i].empty()) {
+        if (last && (ends_in_key || (list_entry && value)))
+            return AddPath::kFresh;
+        return way(How::Child);
+    }
+    // An add that sets a list's key picks the entry by that value.
+    const bool sets_key = i + 2 == count && value && ends_in_key;
+    if (open && innermost && !(last && list_entry) && !sets_key)
+        return AddPath::kList | way(How::Open);
+    if (last && list_entry)
+        return AddPath::kList | AddPath::kFresh;
+    return AddPath::kList | way(open && innermost ? How::Bind : How::Current);
+}
+
 struct PathSlot {
     uintptr_t identity = 0;
     uint64_t used = 0; // when last asked for
@@ -166,6 +190,10 @@ const AddPath &add_path(uintptr_t identity, std::string_view text) {
     if (const std::size_t n = split.size(); n >= 2 && path.keys_at[n - 1].empty())
         path.ends_in_key =
             std::ranges::find(path.keys_at[n - 2], split[n - 1]) != path.keys_at[n - 2].end();
+    path.ways.assign(split.size(), {});
+    for (std::size_t kind = 0; kind < 16; ++kind)
+        for (std::size_t i = 0; i < split.size(); ++i)
+            path.ways[i][kind] = way_of(path, i, kind);
     return path;
 }
 
@@ -537,29 +565,14 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
     const Segments &segments = path.segments;
     const std::size_t count = segments.size();
     const bool by_schema = tree->tag == nullptr;
+    const bool ends_in_key = by_schema && path.ends_in_key;
+    const std::size_t kind =
+        AddPath::kind(by_schema, open != nullptr, list_entry, value != nullptr);
+    // How segment `i` resolves; a memo of it stands in while the tree has not
+    // been reshaped since, unless it is kFresh.
+    auto way_at = [&](std::size_t i) { return path.ways[i][kind]; };
     auto keys_at = [&](std::size_t i) {
         return by_schema ? path.keys_at[i] : std::span<const std::string_view>();
-    };
-    const bool ends_in_key = by_schema && path.ends_in_key;
-    const std::size_t innermost = by_schema ? path.innermost : kNoDepth;
-    // An add that sets a list's key picks the entry by that value.
-    auto sets_key = [&](std::size_t i) {
-        return i + 2 == count && value != nullptr && ends_in_key;
-    };
-    // How segment `i` resolves, when it resolves the same way whenever the
-    // tree has not been reshaped since: then a memo of it can stand in.
-    auto how = [&](std::size_t i) -> std::optional<How> {
-        const bool last = i + 1 == count;
-        if (keys_at(i).empty()) {
-            if (last && (ends_in_key || (list_entry && value != nullptr)))
-                return std::nullopt;
-            return How::Child;
-        }
-        if (open != nullptr && i == innermost && !(last && list_entry) && !sets_key(i))
-            return How::Open;
-        if (last && list_entry)
-            return std::nullopt;
-        return open != nullptr && i == innermost ? How::Bind : How::Current;
     };
 
     const uint64_t serial = open != nullptr ? open->serial : 0;
@@ -568,28 +581,29 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
     std::size_t i = 0;
     if (memo != nullptr && memo->tree == tree && memo->reshapes == reshapes) {
         // A level with the same segments above it on the same tree has the
-        // same keys, so only a list level, and the last, need `how`.
-        const bool last_is_child = !ends_in_key && !(list_entry && value != nullptr);
+        // same keys, so a memo level is a list level when the path's is.
         const std::string_view *named = segments.data();
         for (const std::size_t reach = std::min(memo->depth, count); i < reach; ++i) {
             const AddMemo::Level &level = memo->levels[i];
             if (level.segment.data() != named[i].data() || level.position >= at.node->subtree_count)
                 break;
+            const uint8_t way = way_at(i);
             if (level.list == nullptr) {
                 // A key that has this value already: setting it leaves the entry as it is.
-                if (i + 1 == count && !last_is_child &&
+                if ((way & AddPath::kFresh) != 0 &&
                     !(ends_in_key && same_text(at.node->subtrees[level.position].value, value)))
                     break;
-            } else if (const std::optional<How> way = how(i); !way || *way == How::Child) {
+            } else if ((way & AddPath::kFresh) != 0 || (way & AddPath::kList) == 0) {
                 break;
             } else {
                 ListState *list = level.list;
+                const auto how = static_cast<How>(way & 3);
                 // The entry stays while the list keeps it current; an open
                 // output list takes it once bound to it.
                 if (list->current != level.position ||
-                    (*way == How::Open && list->bound_to != serial))
+                    (how == How::Open && list->bound_to != serial))
                     break;
-                if (*way == How::Bind)
+                if (how == How::Bind)
                     list->bound_to = serial;
             }
             above = level.list;
@@ -624,14 +638,17 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         const std::string_view segment = segments[i];
         const bool last = i + 1 == count;
         const char *ns = i < base_depth ? base_ns : ns_;
-        const std::optional<How> way = how(i);
-        if (const auto keys = keys_at(i); !keys.empty()) {
+        const uint8_t way = way_at(i);
+        if ((way & AddPath::kList) != 0) {
+            const auto keys = path.keys_at[i];
+            // A list level's own way, kFresh or not.
+            const auto how = static_cast<How>(way & 3);
             ListEntry entry;
-            if (way == How::Open) {
+            if (way == (AddPath::kList | static_cast<uint8_t>(How::Open))) {
                 entry = open_entry(at.node, segment, keys, *open);
             } else {
                 entry = current_entry(at.node, segment, keys, last && list_entry);
-                if (way == How::Bind)
+                if (how == How::Bind)
                     entry.list->bound_to = open->serial;
             }
             at = {&at.node->subtrees[entry.position], at.node};
@@ -666,7 +683,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         }
         at = {next, at.node};
         above = nullptr;
-        remember(i, way.has_value(), nullptr);
+        remember(i, (way & AddPath::kFresh) == 0, nullptr);
     }
     seal();
     if (value != nullptr && !made_leaf)
