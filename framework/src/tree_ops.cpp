@@ -108,74 +108,84 @@ EntryKeys entry_keys(std::span<const std::string_view> names, const InputKeys &i
     return keys;
 }
 
-// One segment of "/a/b[k=v][k2='w']/": a tag and its predicates.
-struct PathStep {
-    std::string_view tag;
-    std::vector<std::pair<std::string_view, std::string>> predicates;
+// A path of entries, "/a/b[k=v][k2='w']/", read: each segment, the keys of
+// its list, and the key values its predicates ask for, in the list's key
+// order (the others null). No deeper than an add goes.
+struct EntryPath {
+    std::size_t count = 0;
+    std::array<std::string_view, AddMemo::kLevels> segments;
+    std::array<std::span<const std::string_view>, AddMemo::kLevels> keys_at;
+    std::array<EntryKeys, AddMemo::kLevels> keys;
+    std::array<const EntryKeys *, AddMemo::kLevels> wanted{};
 };
 
-std::optional<std::vector<PathStep>> parse_entry_path(std::string_view path) {
-    std::vector<PathStep> steps;
+// The predicates "[k=v][k2='w']" at `i` of `path` into `keys`, each value
+// ended in place in `path`, so that its values need no copy of their own.
+// Where they end; npos when malformed, or when a predicate names a key the
+// list (`names`, empty for no list) lacks or is one too many.
+std::size_t read_predicates(std::span<char> path, std::size_t i,
+                            std::span<const std::string_view> names, EntryKeys &keys) {
+    const std::string_view text(path.data(), path.size());
+    if (!names.empty())
+        keys = entry_keys(names, {});
+    while (i < text.size() && text[i] == '[') {
+        const std::size_t eq = text.find('=', i);
+        if (eq == std::string_view::npos)
+            return std::string_view::npos;
+        const std::string_view name = text.substr(i + 1, eq - i - 1);
+        std::size_t value_end;
+        std::size_t close;
+        if (eq + 1 < text.size() && (text[eq + 1] == '\'' || text[eq + 1] == '"')) {
+            value_end = text.find(text[eq + 1], eq + 2);
+            if (value_end == std::string_view::npos || value_end + 1 >= text.size() ||
+                text[value_end + 1] != ']')
+                return std::string_view::npos;
+            close = value_end + 1;
+        } else {
+            close = value_end = text.find(']', eq);
+            if (close == std::string_view::npos)
+                return std::string_view::npos;
+        }
+        const char *value = path.data() + eq + 1 + (value_end != close ? 1 : 0);
+        if (name.empty() || !(names.empty() ? keys.add(name, value) : keys.set(name, value)))
+            return std::string_view::npos;
+        path[value_end] = '\0';
+        i = close + 1;
+    }
+    return i;
+}
+
+// Reads `path`, whose values are ended in place; false when malformed.
+bool read_entry_path(std::span<char> path, EntryPath &out) {
+    const std::string_view text(path.data(), path.size());
+    SchemaHash hash;
     std::size_t i = 0;
-    while (i < path.size()) {
-        if (path[i] == '/') {
+    while (i < text.size()) {
+        if (text[i] == '/') {
             ++i;
             continue;
         }
-        const std::size_t end = path.find_first_of("/[", i);
-        PathStep step{path.substr(i, end - i), {}};
-        if (const std::size_t colon = step.tag.rfind(':'); colon != std::string_view::npos)
-            step.tag.remove_prefix(colon + 1);
-        i = end == std::string_view::npos ? path.size() : end;
-        while (i < path.size() && path[i] == '[') {
-            const std::size_t eq = path.find('=', i);
-            if (eq == std::string_view::npos)
-                return std::nullopt;
-            std::string_view name = path.substr(i + 1, eq - i - 1);
-            std::size_t close;
-            std::string value;
-            if (eq + 1 < path.size() && (path[eq + 1] == '\'' || path[eq + 1] == '"')) {
-                const std::size_t quote_end = path.find(path[eq + 1], eq + 2);
-                if (quote_end == std::string_view::npos || quote_end + 1 >= path.size() ||
-                    path[quote_end + 1] != ']')
-                    return std::nullopt;
-                value = path.substr(eq + 2, quote_end - eq - 2);
-                close = quote_end + 1;
-            } else {
-                close = path.find(']', eq);
-                if (close == std::string_view::npos)
-                    return std::nullopt;
-                value = path.substr(eq + 1, close - eq - 1);
-            }
-            if (name.empty())
-                return std::nullopt;
-            step.predicates.emplace_back(name, std::move(value));
-            i = close + 1;
+        if (out.count == out.segments.size())
+            return false;
+        const std::size_t end = text.find_first_of("/[", i);
+        std::string_view tag = text.substr(i, end - i);
+        if (const std::size_t colon = tag.rfind(':'); colon != std::string_view::npos)
+            tag.remove_prefix(colon + 1);
+        const std::size_t at = out.count++;
+        out.segments[at] = tag;
+        hash.add_segment(tag);
+        out.keys_at[at] = list_keys_hashed(hash.value, std::span(out.segments).first(out.count));
+        i = end == std::string_view::npos ? text.size() : end;
+        if (i < text.size() && text[i] == '[') {
+            i = read_predicates(path, i, out.keys_at[at], out.keys[at]);
+            if (i == std::string_view::npos)
+                return false;
+            out.wanted[at] = &out.keys[at];
         }
-        if (step.tag.empty() || (i < path.size() && path[i] != '/'))
-            return std::nullopt;
-        steps.push_back(std::move(step));
+        if (tag.empty() || (i < text.size() && text[i] != '/'))
+            return false;
     }
-    if (steps.empty())
-        return std::nullopt;
-    return steps;
-}
-
-// The keys a step asks for, in the list's key order; null on a key the list
-// lacks, or on more predicates than a list has keys.
-std::optional<EntryKeys> step_keys(const PathStep &step, std::span<const std::string_view> keys) {
-    EntryKeys wanted;
-    if (keys.empty()) {
-        for (const auto &[name, value] : step.predicates)
-            if (!wanted.add(name, value.c_str()))
-                return std::nullopt;
-        return wanted;
-    }
-    wanted = entry_keys(keys, {});
-    for (const auto &[name, value] : step.predicates)
-        if (!wanted.set(name, value.c_str()))
-            return std::nullopt;
-    return wanted;
+    return out.count != 0;
 }
 
 } // namespace
@@ -292,31 +302,17 @@ cerrno yfw_map_stitch_container_to_list(yfw_map_ctx *ctx, yfw_map_stitch_record 
     const std::size_t ns_length = strnlen(record->namespace_, sizeof record->namespace_);
     if (path_length == sizeof record->entry_path || ns_length == sizeof record->namespace_)
         return YFW_ERR_INVALID_ARGS;
-    const auto steps = parse_entry_path({record->entry_path, path_length});
-    if (!steps)
+    // A copy whose values are ended in place: the record stays as given.
+    std::array<char, sizeof record->entry_path> text;
+    std::memcpy(text.data(), record->entry_path, path_length);
+    EntryPath path;
+    if (!read_entry_path(std::span(text).first(path_length), path))
         return YFW_ERR_INVALID_ARGS;
-
-    std::vector<std::string_view> segments;
-    std::vector<std::span<const std::string_view>> keys_at;
-    std::vector<EntryKeys> keys;
-    keys.reserve(steps->size());
-    std::vector<const EntryKeys *> wanted;
-    SchemaHash hash;
-    for (const PathStep &step : *steps) {
-        segments.push_back(step.tag);
-        hash.add_segment(step.tag);
-        keys_at.push_back(list_keys_hashed(hash.value, segments));
-        const EntryKeys *entry = nullptr;
-        if (!step.predicates.empty()) {
-            auto asked = step_keys(step, keys_at.back());
-            if (!asked)
-                return YFW_ERR_INVALID_ARGS;
-            entry = &keys.emplace_back(*asked);
-        }
-        wanted.push_back(entry);
-    }
     Editor editor(*session->home, ns_length != 0 ? record->namespace_ : nullptr);
-    note_add(*session, record->out_tree, editor.place(record->out_tree, segments, keys_at, wanted),
+    const std::size_t n = path.count;
+    note_add(*session, record->out_tree,
+             editor.place(record->out_tree, std::span(path.segments).first(n),
+                          std::span(path.keys_at).first(n), std::span(path.wanted).first(n)),
              nullptr, nullptr);
     return YFW_SUCCESS;
 }

@@ -198,6 +198,7 @@ TEST(ContainerToList, MakesTheNamedEntryCurrent) {
                              "/system/grpc-servers/grpc-server[name=]/"}) {
         auto record = grpc_record(session.output(), path);
         ASSERT_EQ(yfw_map_stitch_container_to_list(ctx, &record), YFW_SUCCESS) << path;
+        EXPECT_STREQ(record.entry_path, path); // read, not ended in place
         yfw_map_datatree_add_path_flagged(ctx, session.output(),
                                           "/system/grpc-servers/grpc-server/config/port", kGrpc,
                                           "1", nullptr, nullptr, 0, 1);
@@ -212,7 +213,8 @@ TEST(ContainerToList, MalformedPathsChangeNothing) {
     yfw::Session session(KIND_GET_CONFIG);
     for (const char *path :
          {"/system/grpc-servers/grpc-server[name=a", "/system/grpc-servers/grpc-server[port=1]/",
-          "/system/grpc-servers/grpc-server[name='a]/", "/", ""}) {
+          "/system/grpc-servers/grpc-server[name='a]/", "/", "",
+          "/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a/a"}) { // deeper than an add goes
         auto record = grpc_record(session.output(), path);
         EXPECT_EQ(yfw_map_stitch_container_to_list(session.ctx(), &record), YFW_ERR_INVALID_ARGS)
             << path;
