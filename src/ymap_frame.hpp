@@ -136,13 +136,24 @@ cerrno framed(yfw_map_ctx *ctx, const char *name, const void *node, const void *
 
 // The three-way rule of a write-capable leaf: a read filters by value, a
 // delete names the node without one, an edit carries value and operation.
-cerrno add_three_way(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree,
-                     const char *path, const char *ns, uint32_t list_entry_flag = 0,
-                     uint32_t augment_flag = 0);
+// Inline, as the adds are most of what a leaf mapper does.
+inline cerrno add_three_way(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree,
+                            const char *path, const char *ns, uint32_t list_entry_flag = 0,
+                            uint32_t augment_flag = 0) {
+    const bool read = read_kind(ctx);
+    const bool del = !read && yfw_map_is_request_delete(node);
+    return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, del ? nullptr : node->value,
+                                             read ? nullptr : node, nullptr, list_entry_flag,
+                                             augment_flag);
+}
 
 // Adds with value and no source: the native-to-OpenConfig direction.
-cerrno add_value(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree, const char *path, const char *ns,
-                 const char *value, uint32_t list_entry_flag = 0, uint32_t augment_flag = 0);
+inline cerrno add_value(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree, const char *path,
+                        const char *ns, const char *value, uint32_t list_entry_flag = 0,
+                        uint32_t augment_flag = 0) {
+    return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, value, nullptr, nullptr,
+                                             list_entry_flag, augment_flag);
+}
 
 // ---- Mapper rows ----------------------------------------------------------
 

@@ -82,25 +82,6 @@ cerrno refuse(yfw_map_ctx *ctx, const char *tag, cerrno status) {
     return status;
 }
 
-cerrno add_three_way(yfw_map_ctx *ctx, tidl_yfw_datatree *node, tidl_yfw_datatree *out_tree,
-                     const char *path, const char *ns, uint32_t list_entry_flag,
-                     uint32_t augment_flag) {
-    if (read_kind(ctx))
-        return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, node->value, nullptr,
-                                                 nullptr, list_entry_flag, augment_flag);
-    if (yfw_map_is_request_delete(node))
-        return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, nullptr, node, nullptr,
-                                                 list_entry_flag, augment_flag);
-    return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, node->value, node, nullptr,
-                                             list_entry_flag, augment_flag);
-}
-
-cerrno add_value(yfw_map_ctx *ctx, tidl_yfw_datatree *out_tree, const char *path, const char *ns,
-                 const char *value, uint32_t list_entry_flag, uint32_t augment_flag) {
-    return yfw_map_datatree_add_path_flagged(ctx, out_tree, path, ns, value, nullptr, nullptr,
-                                             list_entry_flag, augment_flag);
-}
-
 namespace {
 
 uint32_t flag(const MapperRow &row, uint16_t bit) {
