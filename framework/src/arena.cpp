@@ -550,9 +550,15 @@ char *copy_text(Arena::Impl &arena, std::string_view text) {
     return copy;
 }
 
+namespace {
+Arena::Impl::Recent &recent_slot(Arena::Impl &arena, const char *text) {
+    const auto source = reinterpret_cast<std::uintptr_t>(text);
+    return arena.recent[(source >> 3 ^ source >> 9) % arena.recent.size()];
+}
+} // namespace
+
 char *intern(Arena::Impl &arena, std::string_view text) {
-    const auto source = reinterpret_cast<std::uintptr_t>(text.data());
-    Arena::Impl::Recent &recent = arena.recent[(source >> 3 ^ source >> 9) % arena.recent.size()];
+    Arena::Impl::Recent &recent = recent_slot(arena, text.data());
     // The same pointer may have been filled anew since: the text decides.
     if (recent.source == text.data() && recent.size == text.size() &&
         std::memcmp(recent.copy, text.data(), text.size()) == 0)
@@ -572,6 +578,13 @@ char *intern(Arena::Impl &arena, const char *text) {
     // The same pointer may have been filled anew since: the text decides.
     if (text == arena.last_source && std::strcmp(arena.last_copy, text) == 0)
         return arena.last_copy;
+    // Adds that take turns between namespaces find theirs by the pointer
+    // without measuring the text: the copy is terminated.
+    if (const Arena::Impl::Recent &recent = recent_slot(arena, text);
+        recent.source == text && std::strcmp(recent.copy, text) == 0) {
+        arena.last_source = text;
+        return arena.last_copy = recent.copy;
+    }
     arena.last_source = text;
     return arena.last_copy = intern(arena, std::string_view(text));
 }

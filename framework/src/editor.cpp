@@ -209,10 +209,10 @@ Arena::Impl &Editor::arena_for(const tidl_yfw_datatree *node) {
 }
 
 tidl_yfw_datatree *Editor::new_child(tidl_yfw_datatree *parent, std::string_view tag,
-                                     const char *ns, const char *value) {
+                                     const char *ns, const char *value, bool interned) {
     const auto [child, block] = append_child(parent, home_, false);
     Arena::Impl &texts = *block->arena;
-    child->tag = const_cast<char *>(lasting_text(texts, tag));
+    child->tag = const_cast<char *>(interned ? tag.data() : lasting_text(texts, tag));
     child->namespace_ = ns != nullptr ? intern(texts, ns) : nullptr;
     if (value != nullptr) {
         child->value = copy_text(texts, value);
@@ -451,7 +451,7 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
     tidl_yfw_datatree *leaf = find_child(node, key);
     if (value == nullptr) {
         // Names the key without setting it: the entry stays as it is.
-        return {leaf != nullptr ? leaf : new_child(node, key, ns_, nullptr), node};
+        return {leaf != nullptr ? leaf : new_child(node, key, ns_, nullptr, true), node};
     }
     // The key values the entry is about to have: in a long list their index
     // slot is far away, and loads while the leaf is made.
@@ -475,13 +475,13 @@ Placed Editor::set_key(tidl_yfw_datatree *parent, uint32_t entry,
         for (std::string_view other : keys)
             if (other != key)
                 kept.push_back(*find_child(node, other));
-        entry = position(parent, new_child(parent, list_tag, ns_, nullptr));
+        entry = position(parent, new_child(parent, list_tag, ns_, nullptr, true));
         node = &parent->subtrees[entry];
         for (const tidl_yfw_datatree &other : kept)
             new_child(node, text_of(other.tag), other.namespace_, other.value);
-        leaf = new_child(node, key, ns_, value);
+        leaf = new_child(node, key, ns_, value, true);
     } else if (leaf == nullptr) {
-        leaf = new_child(node, key, ns_, value);
+        leaf = new_child(node, key, ns_, value, true);
     } else {
         set_value(node, leaf, value);
     }
@@ -674,11 +674,11 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
             // A leaf-list value: one sibling per distinct value.
             next = find_child(at.node, segment, value);
             if (next == nullptr) {
-                next = new_child(at.node, segment, ns_, value);
+                next = new_child(at.node, segment, ns_, value, true);
                 made_leaf = true;
             }
         } else if ((next = find_child(at.node, segment)) == nullptr) {
-            next = new_child(at.node, segment, ns, last ? value : nullptr);
+            next = new_child(at.node, segment, ns, last ? value : nullptr, true);
             made_leaf = last;
         }
         at = {next, at.node};

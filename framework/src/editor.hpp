@@ -107,8 +107,9 @@ public:
     Arena::Impl &arena_for(const tidl_yfw_datatree *node);
 
 private:
+    // `interned`: the tag is a segment of an AddPath, which lasts as it is.
     tidl_yfw_datatree *new_child(tidl_yfw_datatree *parent, std::string_view tag, const char *ns,
-                                 const char *value);
+                                 const char *value, bool interned = false);
     tidl_yfw_datatree *move_child(tidl_yfw_datatree *parent, const tidl_yfw_datatree &node);
     tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag);
     tidl_yfw_datatree *find_child(tidl_yfw_datatree *parent, std::string_view tag,
@@ -134,7 +135,7 @@ private:
     ListEntry open_entry(tidl_yfw_datatree *parent, std::string_view tag,
                          std::span<const std::string_view> keys, const OpenEntry &open);
     // Sets key `key` of entry `entry` of the list at `list_path`, whose state
-    // is `known` when found already.
+    // is `known` when found already. The texts are an AddPath's.
     Placed set_key(tidl_yfw_datatree *parent, uint32_t entry,
                    std::span<const std::string_view> list_path,
                    std::span<const std::string_view> keys, std::string_view key, const char *value,
