@@ -201,11 +201,12 @@ constexpr std::size_t module_index(std::string_view name) {
 struct AugmentRow {
     std::size_t module;
     std::array<std::string_view, 2> target;
-    std::size_t base; // the module that holds the target
+    std::size_t depth; // the segments of the target
+    std::size_t base;  // the module that holds the target
     constexpr AugmentRow(std::string_view name, std::array<std::string_view, 2> steps,
                          std::string_view base_name)
-        : module(module_index(name)), target(steps), base(module_index(base_name)) {}
-    constexpr std::size_t depth() const { return target[1].empty() ? 1 : 2; }
+        : module(module_index(name)), target(steps), depth(steps[1].empty() ? 1 : 2),
+          base(module_index(base_name)) {}
 };
 constexpr std::array kAugments = {
     AugmentRow{"openconfig-system-grpc", {"system"}, "openconfig-system"},
@@ -213,32 +214,44 @@ constexpr std::array kAugments = {
                {"system", "telnet-server"},
                "openconfig-system"},
 };
+static_assert(
+    [] {
+        for (std::size_t i = 0; i < kAugments.size(); ++i)
+            for (std::size_t j = i + 1; j < kAugments.size(); ++j)
+                if (kAugments[i].module == kAugments[j].module)
+                    return false;
+        return true;
+    }(),
+    "one augment row a module");
+
+const AugmentRow *augment_of(const Module *module) {
+    auto it = std::ranges::find_if(kAugments, [module](const AugmentRow &row) {
+        return module != nullptr && &kModules[row.module] == module;
+    });
+    return it == kAugments.end() ? nullptr : &*it;
+}
 } // namespace
 
 std::size_t augment_target_depth(const char *ns, std::span<const std::string_view> segments,
                                  const char **base_ns) {
-    // Asked with the same namespace add after add: the last answer, while
-    // that pointer still holds that module's text.
+    // Asked with the same namespace add after add: the last module's augment,
+    // while that pointer still holds that module's text.
     static const char *last_ns = nullptr;
     static const Module *last_module = nullptr;
+    static const AugmentRow *last_row = nullptr;
     if (ns == nullptr)
         return 0;
     if (ns != last_ns || last_module == nullptr || !same_text(ns, last_module->ns.data())) {
         last_ns = ns;
         last_module = module_by_namespace(ns);
+        last_row = augment_of(last_module);
     }
-    if (last_module == nullptr)
+    const AugmentRow *row = last_row;
+    if (row == nullptr || segments.size() < row->depth || segments[0] != row->target[0] ||
+        (row->depth == 2 && segments[1] != row->target[1]))
         return 0;
-    const auto module = static_cast<std::size_t>(last_module - kModules.data());
-    for (const AugmentRow &row : kAugments) {
-        const std::size_t depth = row.depth();
-        if (row.module == module && segments.size() >= depth &&
-            std::ranges::equal(segments.first(depth), std::span(row.target).first(depth))) {
-            *base_ns = kModules[row.base].ns.data();
-            return depth;
-        }
-    }
-    return 0;
+    *base_ns = kModules[row->base].ns.data();
+    return row->depth;
 }
 } // namespace detail
 
