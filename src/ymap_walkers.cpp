@@ -59,11 +59,7 @@ std::size_t key_count(const WalkerRow &row) {
     return (row.keys[0] != nullptr ? 1 : 0) + (row.keys[1] != nullptr ? 1 : 0);
 }
 
-cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status) {
-    frame_line(ctx, row.name, FrameLine::End);
-    return status;
-}
-// The same, with the answer the frame's start had from the debug log.
+// A walker's "End", by the answer its start had from the debug log.
 cerrno end(const WalkerRow &row, yfw_map_ctx *ctx, cerrno status, bool debug) {
     frame_line(ctx, row.name, FrameLine::End, debug);
     return status;
@@ -206,7 +202,7 @@ const Child *walked_child(const WalkerRow &row, const char *tag) {
 // ---- Native input ---------------------------------------------------------------
 
 cerrno qo_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-                    tidl_yfw_datatree *out_tree) {
+                    tidl_yfw_datatree *out_tree, bool debug) {
     const Subtrees subs(node);
     if (subs.malformed)
         return bad_subtrees(row.name, ctx);
@@ -215,11 +211,11 @@ cerrno qo_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
     if (status == YFW_SUCCESS)
         status = visit_children(row, ctx, subs.items, subs.count, out_tree);
     yfw_map_remove_from_node_hierarchy(ctx, node);
-    return end(row, ctx, skip_is_success(status));
+    return end(row, ctx, skip_is_success(status), debug);
 }
 
 cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-               tidl_yfw_datatree *out_tree) {
+               tidl_yfw_datatree *out_tree, bool debug) {
     const Subtrees subs(node);
     if (subs.malformed && !((row.flags & kStateOnlyList) != 0 && read_kind(ctx)))
         return bad_subtrees(row.name, ctx);
@@ -234,7 +230,7 @@ cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     if (status != YFW_SUCCESS) {
         // A skipped entry is dropped whole, with success.
         yfw_map_remove_from_node_hierarchy(ctx, node);
-        return end(row, ctx, skip_is_success(status));
+        return end(row, ctx, skip_is_success(status), debug);
     }
     const uint8_t lists_before = ctx->state->output_list_count;
     yfw_add_to_output_list_ctx(ctx, node, out_tree);
@@ -243,7 +239,7 @@ cerrno qo_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
     yfw_map_remove_from_node_hierarchy(ctx, node);
     if (list_opened)
         yfw_remove_from_output_list_ctx(ctx, node, out_tree);
-    return end(row, ctx, skip_is_success(status));
+    return end(row, ctx, skip_is_success(status), debug);
 }
 
 // ---- OpenConfig input ------------------------------------------------------------
@@ -316,7 +312,7 @@ void end_replace(yfw_map_state *st) {
 }
 
 cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-                    tidl_yfw_datatree *out_tree) {
+                    tidl_yfw_datatree *out_tree, bool debug) {
     yfw_map_state *st = ctx->state;
     const Subtrees subs(node);
     if (subs.malformed)
@@ -328,7 +324,7 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
     if (!walk_all && subs.count != 0 && st->walk_suppress == YFW_MAP_SUPPRESS_NONE &&
         yfw_map_is_request_delete(node)) {
         note(ctx, row.name, Note::DeleteWithSubtree);
-        return end(row, ctx, YFW_ERR_INVALID_ARGS);
+        return end(row, ctx, YFW_ERR_INVALID_ARGS, debug);
     }
     // In a walk-all pass with the expand bit raised, named children do not filter.
     uint32_t working =
@@ -384,7 +380,7 @@ cerrno oq_container(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *n
         end_replace(st);
     if (!walk_all)
         yfw_map_remove_from_node_hierarchy(ctx, node);
-    return end(row, ctx, status);
+    return end(row, ctx, status, debug);
 }
 
 // ---- The OpenConfig list walker, step by step -------------------------------------
@@ -576,7 +572,7 @@ void add_missing_key(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *
 }
 
 cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-               tidl_yfw_datatree *out_tree) {
+               tidl_yfw_datatree *out_tree, bool debug) {
     yfw_map_state *st = ctx->state;
     const uint32_t kind = request_kind(ctx);
     const bool read = read_kind(ctx);
@@ -590,7 +586,7 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
         note(ctx, row.name, Note::NoKeys);
         if (yfw_map_is_key_demanding_kind(kind)) {
             note(ctx, row.name, Note::NoKeysTrace);
-            return end(row, ctx, YFW_ERR_BAD_TREE);
+            return end(row, ctx, YFW_ERR_BAD_TREE, debug);
         }
     }
     if (!walk_all) {
@@ -606,7 +602,7 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
         const cerrno checked = scan_keys(row, ctx, node, subs, scan);
         // The hierarchy stays as it is: the framework reads it for the answer.
         if (checked != YFW_SUCCESS)
-            return end(row, ctx, checked);
+            return end(row, ctx, checked, debug);
     }
     // A bad key: the walk goes on to the end with the status, doing no work.
     if (!walk_all && subs.count != 0 && unsuppressed && status == YFW_SUCCESS &&
@@ -653,7 +649,7 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
         end_replace(st);
     if (!walk_all)
         yfw_map_remove_from_node_hierarchy(ctx, node);
-    return end(row, ctx, skip_is_success(status));
+    return end(row, ctx, skip_is_success(status), debug);
 }
 
 [[gnu::noinline]] void processing_tag(const WalkerRow &row, yfw_map_ctx *ctx, const char *tag) {
@@ -664,7 +660,7 @@ cerrno oq_list(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
 // child's tag goes to its walker; named bare in a read or a delete, the
 // augmented subtree is walked whole.
 cerrno oq_augment(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
-                  tidl_yfw_datatree *out_tree) {
+                  tidl_yfw_datatree *out_tree, bool debug) {
     const Subtrees subs(node);
     if (subs.malformed)
         return bad_subtrees(row.name, ctx);
@@ -682,16 +678,16 @@ cerrno oq_augment(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *nod
                 (void)c.walk(ctx, node, out_tree);
         (void)row.augment_parser(ctx, node, out_tree);
     }
-    return end(row, ctx, status);
+    return end(row, ctx, status, debug);
 }
 
 // The generated augment parser. OpenConfig: a foreign node in an edit has no
 // place to go and is refused; anything else passes. Native: dropped.
-cerrno augment_parser(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node) {
+cerrno augment_parser(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node, bool debug) {
     cerrno status = YFW_SUCCESS;
     if (walks_openconfig(row) && yfw_map_is_request_add(ctx, node))
         status = refuse(ctx, node->tag, YFW_ERR_UNSUPPORTED_AUGMENT);
-    return end(row, ctx, status);
+    return end(row, ctx, status, debug);
 }
 
 cerrno walk(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
@@ -705,24 +701,26 @@ cerrno walk(const WalkerRow &row, yfw_map_ctx *ctx, tidl_yfw_datatree *node,
             oper_walked = 1;
         } else if (oper_walked != 0) {
             oper_walked = 0;
-            return end(row, ctx, YFW_SUCCESS);
+            return end(row, ctx, YFW_SUCCESS, debug);
         }
     }
     const bool oc = walks_openconfig(row);
     switch (row.kind) {
     case WalkerKind::Container:
-        return oc ? oq_container(row, ctx, node, out_tree) : qo_container(row, ctx, node, out_tree);
+        return oc ? oq_container(row, ctx, node, out_tree, debug)
+                  : qo_container(row, ctx, node, out_tree, debug);
     case WalkerKind::List:
-        return oc ? oq_list(row, ctx, node, out_tree) : qo_list(row, ctx, node, out_tree);
+        return oc ? oq_list(row, ctx, node, out_tree, debug)
+                  : qo_list(row, ctx, node, out_tree, debug);
     case WalkerKind::Leaf:
     case WalkerKind::LeafList:
         return oq_leaf(row, ctx, node, out_tree, debug);
     case WalkerKind::Augment:
-        return oq_augment(row, ctx, node, out_tree);
+        return oq_augment(row, ctx, node, out_tree, debug);
     case WalkerKind::AugmentParser:
-        return augment_parser(row, ctx, node);
+        return augment_parser(row, ctx, node, debug);
     }
-    return end(row, ctx, YFW_SUCCESS); // not reached: every kind is a case
+    return end(row, ctx, YFW_SUCCESS, debug); // not reached: every kind is a case
 }
 
 } // namespace
