@@ -630,14 +630,19 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         memo->depth = remembered;
     };
 
+    // The namespace a node made at level `i` takes: the augmented module's
+    // down to the augment's target, asked for only once a node is made.
     const char *base_ns = nullptr;
-    const std::size_t base_depth =
-        augment && by_schema ? augment_target_depth(ns_, segments, &base_ns) : 0;
+    std::size_t base_depth = augment && by_schema ? kNoDepth : 0;
+    auto ns_at = [&](std::size_t i) {
+        if (base_depth == kNoDepth)
+            base_depth = augment_target_depth(ns_, segments, &base_ns);
+        return i < base_depth ? base_ns : ns_;
+    };
     bool made_leaf = false;
     for (; i < count; ++i) {
         const std::string_view segment = segments[i];
         const bool last = i + 1 == count;
-        const char *ns = i < base_depth ? base_ns : ns_;
         const uint8_t way = way_at(i);
         if ((way & AddPath::kList) != 0) {
             const auto keys = path.keys_at[i];
@@ -678,7 +683,7 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
                 made_leaf = true;
             }
         } else if ((next = find_child(at.node, segment)) == nullptr) {
-            next = new_child(at.node, segment, ns, last ? value : nullptr, true);
+            next = new_child(at.node, segment, ns_at(i), last ? value : nullptr, true);
             made_leaf = last;
         }
         at = {next, at.node};
