@@ -133,10 +133,13 @@ struct PathSlot {
 constexpr std::size_t kWays = 4;
 uint64_t path_clock = 0;
 
-std::array<PathSlot, kWays> &path_set(uintptr_t identity) {
-    static std::array<std::array<PathSlot, kWays>, 64> sets;
+// At namespace scope, made before anything runs: a function's own static
+// would be checked for being made on every add.
+constinit std::array<std::array<PathSlot, kWays>, 64> path_sets;
+
+inline std::array<PathSlot, kWays> &path_set(uintptr_t identity) {
     ++path_clock;
-    return sets[(identity * 0x9e3779b97f4a7c15ull) >> 58];
+    return path_sets[(identity * 0x9e3779b97f4a7c15ull) >> 58];
 }
 } // namespace
 
@@ -200,8 +203,6 @@ const AddPath &add_path(uintptr_t identity, std::string_view text) {
 bool EntryKeys::any() const {
     return std::ranges::any_of(values(), [](const char *v) { return v != nullptr; });
 }
-
-Editor::Editor(Arena::Impl &home, const char *ns) : home_(home), ns_(ns) {}
 
 Arena::Impl &Editor::arena_for(const tidl_yfw_datatree *node) {
     Arena::Impl *arena = arena_of(node);

@@ -80,7 +80,7 @@ const AddPath &add_path(const char *text);
 class Editor {
 public:
     // `home` takes arrays that belong to no arena yet; `ns` names created nodes.
-    Editor(Arena::Impl &home, const char *ns);
+    Editor(Arena::Impl &home, const char *ns) : home_(home), ns_(ns) {}
 
     // The add of yfw_map_datatree_add_path_flagged. A tree without a tag is a
     // document root and resolves lists by the schema; any other node takes
