@@ -194,10 +194,10 @@ const AddPath &add_path(uintptr_t identity, std::string_view text) {
     if (const std::size_t n = split.size(); n >= 2 && path.keys_at[n - 1].empty())
         path.ends_in_key =
             std::ranges::find(path.keys_at[n - 2], split[n - 1]) != path.keys_at[n - 2].end();
-    path.ways.assign(split.size(), {});
-    for (std::size_t kind = 0; kind < 16; ++kind)
-        for (std::size_t i = 0; i < split.size(); ++i)
-            path.ways[i][kind] = way_of(path, i, kind);
+    path.ways.assign(split.size() * AddPath::kKinds, 0);
+    for (std::size_t i = 0; i < split.size(); ++i)
+        for (std::size_t kind = 0; kind < AddPath::kKinds; ++kind)
+            path.ways[i * AddPath::kKinds + kind] = way_of(path, i, kind);
     return path;
 }
 
@@ -572,7 +572,8 @@ Placed Editor::add(tidl_yfw_datatree *tree, const AddPath &path, const char *val
         AddPath::kind(by_schema, open != nullptr, list_entry, value != nullptr);
     // How segment `i` resolves; a memo of it stands in while the tree has not
     // been reshaped since, unless it is kFresh.
-    auto way_at = [&](std::size_t i) { return path.ways[i][kind]; };
+    const uint8_t *ways = path.ways.data() + kind; // read once: stores may alias
+    auto way_at = [ways](std::size_t i) { return ways[i * AddPath::kKinds]; };
     auto keys_at = [&](std::size_t i) {
         return by_schema ? path.keys_at[i] : std::span<const std::string_view>();
     };

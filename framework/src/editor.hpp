@@ -60,12 +60,13 @@ struct AddPath {
     static constexpr uint8_t kList = 0x20;
     // The kind of an add: whether the tree resolves by the schema, an open
     // output list is given, the add is a list entry, and a value is given.
+    static constexpr std::size_t kKinds = 16;
     static constexpr std::size_t kind(bool by_schema, bool open, bool list_entry, bool value) {
         return std::size_t{by_schema} << 3 | std::size_t{open} << 2 | std::size_t{list_entry} << 1 |
                std::size_t{value};
     }
     Segments segments;
-    std::vector<std::array<uint8_t, 16>> ways;              // [level][kind]
+    std::vector<uint8_t> ways;                              // [level * kKinds + kind]
     std::vector<std::span<const std::string_view>> keys_at; // empty: no list
     std::vector<std::array<std::string_view, 2>> key_names; // interned, behind keys_at
     std::size_t innermost = kNoDepth;                       // the last list segment
