@@ -452,10 +452,6 @@ Block *own_children(tidl_yfw_datatree *parent, Arena::Impl &home) {
 }
 
 namespace {
-// The array appended to last: a first child is most often made below a node
-// that was just made.
-Seen last_appended;
-
 Block *holder_of(const tidl_yfw_datatree *node) {
     if (last_appended.block != nullptr && last_appended.arenas_ended == arenas_ended &&
         inside(node, last_appended.block->nodes, last_appended.block->capacity))
@@ -464,7 +460,7 @@ Block *holder_of(const tidl_yfw_datatree *node) {
 }
 } // namespace
 
-Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external) {
+Appended append_child_slowly(tidl_yfw_datatree *parent, Arena::Impl &home, bool external) {
     // Leaves come one after another into the same array.
     const bool again = parent->present_subtrees && parent->subtree_count != 0 &&
                        parent->subtrees != nullptr && parent->subtrees == last_appended.array &&

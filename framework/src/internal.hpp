@@ -426,7 +426,23 @@ struct Appended {
     tidl_yfw_datatree *node;
     Block *block; // the array that holds it
 };
-Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external);
+Appended append_child_slowly(tidl_yfw_datatree *parent, Arena::Impl &home, bool external);
+// The array appended to last: a first child is most often made below a node
+// that was just made, and leaves come one after another into one array.
+inline Seen last_appended;
+// Inline: most appends go to the array appended to last, which has room.
+inline Appended append_child(tidl_yfw_datatree *parent, Arena::Impl &home, bool external) {
+    Block *block = last_appended.block;
+    const uint32_t live = parent->subtree_count;
+    if (external || !parent->present_subtrees || live == 0 || parent->subtrees == nullptr ||
+        parent->subtrees != last_appended.array || last_appended.arenas_ended != arenas_ended ||
+        block->nodes != parent->subtrees || live == block->capacity)
+        return append_child_slowly(parent, home, external);
+    tidl_yfw_datatree *child = &block->nodes[live];
+    *child = tidl_yfw_datatree{};
+    parent->subtree_count = live + 1;
+    return {child, block};
+}
 // Removes child `pos` of `parent` (an arena array), shifting the later ones.
 void remove_child(tidl_yfw_datatree *parent, uint32_t pos);
 // Frees the children array of `node` (not the arrays below it) and clears the node's children.
