@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <string>
 #include <vector>
 
 #include "tree_text.hpp"
@@ -490,6 +491,34 @@ TEST(AddPath, ReusedPathBufferIsReadAgain) {
                   YFW_SUCCESS);
     }
     EXPECT_EQ(doc_text(*session.output()), "system{config{hostname=x domain-name=x}}");
+}
+
+// Namespaces that take turns from two buffers, one then refilled with
+// another text: each new node takes the text its buffer held at its add.
+TEST(AddPath, ReusedNamespaceBufferIsReadAgain) {
+    struct Step {
+        std::size_t buffer;
+        const char *ns;
+        const char *leaf;
+    };
+    const Step steps[] = {
+        {0, kOc, "hostname"},        {1, kDomain, "domain-name"}, {0, kOc, "login-banner"},
+        {1, kDomain, "motd-banner"}, {0, kDomain, "clock"},       {1, kOc, "dns"},
+    };
+    yfw::Session session(KIND_GET);
+    char buffers[2][96];
+    for (const Step &step : steps) {
+        std::snprintf(buffers[step.buffer], sizeof buffers[0], "%s", step.ns);
+        const std::string path = std::string("/system/config/") + step.leaf;
+        ASSERT_EQ(yfw_map_datatree_add_path_flagged(session.ctx(), session.output(), path.c_str(),
+                                                    buffers[step.buffer], "x", nullptr, nullptr, 0,
+                                                    0),
+                  YFW_SUCCESS);
+    }
+    const tidl_yfw_datatree &config = session.output()->subtrees[0].subtrees[0];
+    ASSERT_EQ(config.subtree_count, std::size(steps));
+    for (std::size_t i = 0; i < std::size(steps); ++i)
+        EXPECT_STREQ(config.subtrees[i].namespace_, steps[i].ns) << steps[i].leaf;
 }
 
 // A large list stays linear: each entry is found through the list's key index.
