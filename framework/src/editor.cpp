@@ -135,8 +135,9 @@ constexpr std::size_t kWays = 8;
 uint64_t path_clock = 0;
 
 // At namespace scope, made before anything runs: a function's own static
-// would be checked for being made on every add.
-constinit std::array<std::array<PathSlot, kWays>, 64> path_sets;
+// would be checked for being made on every add. Not constinit: clang 14
+// cannot make libstdc++ 12 strings at compile time.
+std::array<std::array<PathSlot, kWays>, 64> path_sets;
 
 inline std::array<PathSlot, kWays> &path_set(uintptr_t identity) {
     ++path_clock;
